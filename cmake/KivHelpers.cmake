@@ -1,0 +1,48 @@
+# kiv_add_library(<name> SOURCES ... [PUBLIC_LINK ...] [PRIVATE_LINK ...])
+# A shared library of this project: hidden visibility, generated export header
+# <name>/<name>_export.h, public headers in <folder>/include, warnings as errors.
+function(kiv_add_library name)
+  cmake_parse_arguments(ARG "" "INCLUDE_DIR" "SOURCES;PUBLIC_LINK;PRIVATE_LINK" ${ARGN})
+  add_library(${name} SHARED ${ARG_SOURCES})
+  add_library(kivmetadataui::${name} ALIAS ${name})
+  if(NOT ARG_INCLUDE_DIR)
+    set(ARG_INCLUDE_DIR ${CMAKE_CURRENT_SOURCE_DIR}/include)
+  endif()
+  string(TOUPPER ${name} upper)
+  generate_export_header(${name}
+    BASE_NAME ${upper}
+    EXPORT_FILE_NAME ${CMAKE_CURRENT_BINARY_DIR}/export/${name}/${name}_export.h)
+  target_include_directories(${name} PUBLIC
+    $<BUILD_INTERFACE:${ARG_INCLUDE_DIR}>
+    $<BUILD_INTERFACE:${CMAKE_CURRENT_BINARY_DIR}/export>
+    $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+  target_link_libraries(${name} PUBLIC ${ARG_PUBLIC_LINK} PRIVATE ${ARG_PRIVATE_LINK})
+  target_compile_options(${name} PRIVATE -Wall -Wextra -Werror)
+  set_target_properties(${name} PROPERTIES
+    VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
+    EXPORT_NAME ${name})
+  install(TARGETS ${name} EXPORT kivmetadatauiTargets
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  install(DIRECTORY ${ARG_INCLUDE_DIR}/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/export/${name}/${name}_export.h
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${name})
+endfunction()
+
+# kiv_add_gtest(<name> LAYER <core|gui> SOURCES ... LINK ...)
+# One GoogleTest binary; its main sets up Qt offscreen and an isolated
+# per-user data folder, so tests never touch the real home directory.
+function(kiv_add_gtest name)
+  cmake_parse_arguments(ARG "" "MAIN" "SOURCES;LINK" ${ARGN})
+  if(NOT ARG_MAIN)
+    set(ARG_MAIN kivtest_main_core)
+  endif()
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE ${ARG_LINK} ${ARG_MAIN} GTest::gtest GTest::gmock)
+  target_compile_options(${name} PRIVATE -Wall -Wextra -Werror)
+  gtest_discover_tests(${name}
+    DISCOVERY_MODE PRE_TEST
+    DISCOVERY_TIMEOUT 60
+    PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen" TIMEOUT 300)
+endfunction()

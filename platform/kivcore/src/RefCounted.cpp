@@ -1,0 +1,7 @@
+#include <kivcore/RefCounted.h>
+
+namespace kivcore::utility {
+
+RefCountedInterface::~RefCountedInterface() = default;
+
+} // namespace kivcore::utility

@@ -1,0 +1,2 @@
+#pragma once
+#include <kivevefactory/kivevefactory_export.h>

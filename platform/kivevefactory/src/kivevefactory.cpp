@@ -1,0 +1,1 @@
+#include <kivevefactory/kivevefactory.h>

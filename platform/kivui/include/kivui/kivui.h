@@ -1,0 +1,2 @@
+#pragma once
+#include <kivui/kivui_export.h>

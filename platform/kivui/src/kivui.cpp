@@ -1,0 +1,1 @@
+#include <kivui/kivui.h>

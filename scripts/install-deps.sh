@@ -1,0 +1,20 @@
+#!/usr/bin/env bash
+# Installs the Debian 12 packages that building and testing need.
+set -euo pipefail
+packages=(
+  cmake g++ pkg-config ccache
+  qt6-base-dev qt6-tools-dev libqt6opengl6-dev libgl-dev
+  libexempi-dev libxml2-dev
+  libgtest-dev libgmock-dev libbenchmark-dev
+  fonts-dejavu-core libimage-exiftool-perl xdg-utils
+)
+missing=()
+for p in "${packages[@]}"; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+sudo=""
+[ "$(id -u)" -ne 0 ] && sudo="sudo"
+export DEBIAN_FRONTEND=noninteractive
+$sudo apt-get update -qq
+$sudo apt-get install -y -qq --no-install-recommends "${missing[@]}"

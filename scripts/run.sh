@@ -1,0 +1,8 @@
+#!/usr/bin/env bash
+# Installs what is needed, builds, and runs kivmeta with the given arguments.
+set -euo pipefail
+root=$(cd "$(dirname "$0")/.." && pwd)
+"$root/scripts/install-deps.sh"
+"$root/scripts/build.sh"
+build=${KIV_BUILD_DIR:-$root/build}
+exec "$build/apps/kivmeta/kivmeta" "$@"
