@@ -1,1 +1,0 @@
-#include <kivui/kivui.h>
