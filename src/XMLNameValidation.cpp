@@ -68,11 +68,15 @@ bool VerifySimpleXMLName(std::u16string const &name)
 std::u16string GenerateXMLNameFromUnicodeString(std::u16string const &text)
 {
     if (text.empty()) return text;
-    std::u16string result;
-    result.reserve(text.size() + 1);
-    result += StartChar(text[0]) ? text[0] : u'_';
-    for (std::size_t i = 1; i < text.size(); ++i) result += NameChar(text[i]) ? text[i] : u'_';
-    if (StartsWithXml(result)) result.insert(result.begin(), u'_');
+    const std::size_t n = text.size();
+    // The leading "xml" test reads the input: replaced units are '_' and never
+    // spell it, so the output starts with "xml" exactly when the input does.
+    const bool prefix = StartsWithXml(text);
+    std::u16string result(n + (prefix ? 1 : 0), u'_');
+    char16_t *out = result.data() + (prefix ? 1 : 0);
+    char16_t const *in = text.data();
+    out[0] = StartChar(in[0]) ? in[0] : u'_';
+    for (std::size_t i = 1; i < n; ++i) out[i] = NameChar(in[i]) ? in[i] : u'_';
     KIV_ASSERT("src/XMLNameValidation", "kivmetadataui::GenerateXMLNameFromUnicodeString",
                VerifySimpleXMLName(result));
     return result;
