@@ -3,3 +3,7 @@
 #include <kivmetadataui/DateTimeString.h>
 #include <kivmetadataui/Initialize.h>
 #include <kivmetadataui/XMLNameValidation.h>
+#include <kivmetadataui/BindControl.h>
+#include <kivmetadataui/Control.h>
+#include <kivmetadataui/ControlCreator.h>
+#include <kivmetadataui/ControlFactory.h>

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <kivmetadataui/kivmetadataui_export.h>
+
+#include <kivcore/RefCounted.h>
+
+#include <functional>
+
+namespace kivui {
+class UI_SubView;
+}
+
+namespace kivmetadataui {
+
+// A toolkit control bound to one metadata value. Held by shared pointer; the
+// callable given at construction runs when the control goes away (the
+// factory uses it to cut the binding), before the view is released.
+class KIVMETADATAUI_EXPORT Control {
+public:
+    Control(kivcore::utility::IntrusivePtr<kivui::UI_SubView> const &inView,
+            std::function<void()> const &inOnDestroy);
+    ~Control();
+    Control(Control const &) = delete;
+    Control &operator=(Control const &) = delete;
+
+    kivcore::utility::IntrusivePtr<kivui::UI_SubView> const &GetView() const { return mView; }
+
+private:
+    // Declaration order matters: the callable is destroyed before the view.
+    kivcore::utility::IntrusivePtr<kivui::UI_SubView> mView;
+    std::function<void()> mOnDestroy;
+};
+
+} // namespace kivmetadataui
