@@ -7,3 +7,7 @@
 #include <kivmetadataui/Control.h>
 #include <kivmetadataui/ControlCreator.h>
 #include <kivmetadataui/ControlFactory.h>
+#include <kivmetadataui/LayoutItem.h>
+#include <kivmetadataui/RowItem.h>
+#include <kivmetadataui/TableLayout.h>
+#include <kivmetadataui/TableLayoutDelegate.h>
