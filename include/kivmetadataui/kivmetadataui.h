@@ -11,3 +11,5 @@
 #include <kivmetadataui/RowItem.h>
 #include <kivmetadataui/TableLayout.h>
 #include <kivmetadataui/TableLayoutDelegate.h>
+#include <kivmetadataui/MetadataProviderWrapper.h>
+#include <kivmetadataui/ModuleInfo.h>
