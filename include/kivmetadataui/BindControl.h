@@ -3,6 +3,7 @@
 #include <kivmetadataui/kivmetadataui_export.h>
 
 #include <kivcore/RefCounted.h>
+#include <kivmetadata/GetValueResult.h>
 
 #include <cstdint>
 #include <functional>
@@ -12,7 +13,6 @@
 namespace kivmetadata {
 struct Value;
 class XMPMeta;
-enum GetValueResult : int;
 } // namespace kivmetadata
 
 namespace kivui {
