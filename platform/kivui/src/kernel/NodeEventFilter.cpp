@@ -1,0 +1,233 @@
+#include "NodeEventFilter_p.h"
+
+#include "UI_Node_p.h"
+
+#include <kivui/UI_NodeManager.h>
+#include <kivui/UI_Node.h>
+#include <kivui/drawbot/Drawbot.h>
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QWheelEvent>
+
+namespace kivui {
+
+using kivcore::PointF;
+
+namespace {
+
+PointF ToPoint(QPointF p) { return PointF{float(p.x()), float(p.y())}; }
+
+} // namespace
+
+void NodeWidget::paintEvent(QPaintEvent *)
+{
+    drawbot::SupplierInterface *supplier = mNode->UI_GetDrawSupplier();
+    if (!supplier) return;
+    QPainter painter(this);
+    drawbot::Drawbot drawbot(*supplier, painter);
+    NodeKeepAlive keep(mNode);
+    mNode->UI_Draw(drawbot);
+}
+
+NodeEventFilter &NodeEventFilter::Get()
+{
+    static NodeEventFilter *filter = new NodeEventFilter;
+    return *filter;
+}
+
+NodeEventFilter::NodeEventFilter() = default;
+
+void NodeEventFilter::Watch(QWidget *inWidget)
+{
+    if (!mAppFilterInstalled && QCoreApplication::instance()) {
+        QCoreApplication::instance()->installEventFilter(this);
+        mAppFilterInstalled = true;
+    }
+    inWidget->installEventFilter(this);
+}
+
+std::uint32_t NodeEventFilter::TranslateModifiers(Qt::KeyboardModifiers inModifiers)
+{
+    std::uint32_t bits = 0;
+    if (inModifiers & Qt::ControlModifier) bits |= kModifierCommand;
+    if (inModifiers & Qt::ShiftModifier) bits |= kModifierShift;
+    if (inModifiers & Qt::AltModifier) bits |= kModifierAlt;
+    if (inModifiers & Qt::KeypadModifier) bits |= kModifierKeypad;
+    return bits;
+}
+
+int NodeEventFilter::TranslateButton(Qt::MouseButton inButton)
+{
+    switch (inButton) {
+    case Qt::LeftButton: return 1;
+    case Qt::RightButton: return 2;
+    case Qt::MiddleButton: return 3;
+    default: return 0;
+    }
+}
+
+KeyboardEvent NodeEventFilter::TranslateKey(QKeyEvent const &inEvent)
+{
+    KeyboardEvent ev;
+    ev.keyDown = inEvent.type() == QEvent::KeyPress;
+    std::uint32_t mods = TranslateModifiers(inEvent.modifiers());
+    if (inEvent.isAutoRepeat()) mods |= kModifierKeypad;
+    switch (inEvent.key()) {
+    case Qt::Key_Tab: ev.code = KeyboardCode::kTab; break;
+    case Qt::Key_Backtab:
+        ev.code = KeyboardCode::kTab;
+        mods |= kModifierShift;
+        break;
+    case Qt::Key_Return: ev.code = KeyboardCode::kReturn; break;
+    case Qt::Key_Enter: ev.code = KeyboardCode::kEnter; break;
+    case Qt::Key_Escape: ev.code = KeyboardCode::kEscape; break;
+    case Qt::Key_Space: ev.code = KeyboardCode::kSpace; ev.character = u' '; break;
+    case Qt::Key_Backspace: ev.code = KeyboardCode::kBackspace; break;
+    case Qt::Key_Delete: ev.code = KeyboardCode::kDelete; break;
+    case Qt::Key_Left: ev.code = KeyboardCode::kLeftArrow; break;
+    case Qt::Key_Right: ev.code = KeyboardCode::kRightArrow; break;
+    case Qt::Key_Up: ev.code = KeyboardCode::kUpArrow; break;
+    case Qt::Key_Down: ev.code = KeyboardCode::kDownArrow; break;
+    case Qt::Key_Home: ev.code = KeyboardCode::kHome; break;
+    case Qt::Key_End: ev.code = KeyboardCode::kEnd; break;
+    case Qt::Key_PageUp: ev.code = KeyboardCode::kPageUp; break;
+    case Qt::Key_PageDown: ev.code = KeyboardCode::kPageDown; break;
+    default: {
+        QString const text = inEvent.text();
+        if (!text.isEmpty() && text.at(0).isPrint()) {
+            ev.code = KeyboardCode::kCharacter;
+            ev.character = text.at(0).unicode();
+        } else if (inEvent.key() >= 0x20 && inEvent.key() < 0x7f) {
+            // Ctrl+letter carries no text; keep the letter for shortcuts.
+            ev.code = KeyboardCode::kCharacter;
+            ev.character = QChar(inEvent.key()).toLower().unicode();
+        }
+        break;
+    }
+    }
+    ev.modifiers = kivcore::Flags<std::uint32_t>(mods);
+    return ev;
+}
+
+bool NodeEventFilter::eventFilter(QObject *inWatched, QEvent *inEvent)
+{
+    switch (inEvent->type()) {
+    case QEvent::KeyPress:
+    case QEvent::KeyRelease:
+        if (inWatched->isWidgetType())
+            return HandleKey(static_cast<QWidget *>(inWatched), static_cast<QKeyEvent *>(inEvent));
+        return false;
+    case QEvent::MouseMove:
+    case QEvent::MouseButtonRelease:
+        if (UI_NodeManager::Get().GetInputCapture()) return HandleCapture(inEvent);
+        break;
+    default: break;
+    }
+
+    if (!inWatched->isWidgetType()) return false;
+    QWidget *widget = static_cast<QWidget *>(inWatched);
+    UI_Node *node = nullptr;
+    switch (inEvent->type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseMove:
+    case QEvent::Wheel:
+    case QEvent::Resize:
+    case QEvent::Move:
+    case QEvent::Enter:
+        node = UI_Node::FromWidget(widget);
+        break;
+    default: return false;
+    }
+    if (!node) return false;
+
+    switch (inEvent->type()) {
+    case QEvent::Resize:
+    case QEvent::Move: {
+        NodeKeepAlive keep(node);
+        node->UI_SyncFromWidget();
+        return false;
+    }
+    case QEvent::Enter:
+        HandleCursor(widget, node, widget->mapFromGlobal(QCursor::pos()));
+        return false;
+    case QEvent::Wheel: {
+        auto *wheel = static_cast<QWheelEvent *>(inEvent);
+        MouseEvent ev;
+        ev.type = MouseEvent::kWheel;
+        ev.local = ToPoint(wheel->position());
+        ev.global = ToPoint(wheel->globalPosition());
+        ev.wheelDelta = float(wheel->angleDelta().y()) / 120.0f;
+        ev.modifiers = kivcore::Flags<std::uint32_t>(TranslateModifiers(wheel->modifiers()));
+        QWidget *under = widget->childAt(wheel->position().toPoint());
+        ev.onSelf = !under || UI_Node::FromWidgetOrAncestor(under) == node;
+        return UI_NodeManager::Get().DispatchMouseEvent(node, ev);
+    }
+    default:
+        return HandleMouse(widget, node, static_cast<QMouseEvent *>(inEvent));
+    }
+}
+
+bool NodeEventFilter::HandleKey(QWidget *inWidget, QKeyEvent *inEvent)
+{
+    UI_Node *node = UI_Node::FromWidgetOrAncestor(inWidget);
+    if (!node) return false;
+    if (mLastKeyEvent == inEvent && mLastKeyWidget && inWidget->isAncestorOf(mLastKeyWidget)) {
+        // The same event travelling up after the focus widget ignored it.
+        mLastKeyWidget = inWidget;
+        return false;
+    }
+    mLastKeyEvent = inEvent;
+    mLastKeyWidget = inWidget;
+    return UI_NodeManager::Get().DispatchKeyboardEvent(node, TranslateKey(*inEvent));
+}
+
+bool NodeEventFilter::HandleMouse(QWidget *inWidget, UI_Node *inNode, QMouseEvent *inEvent)
+{
+    MouseEvent ev;
+    switch (inEvent->type()) {
+    case QEvent::MouseButtonPress: ev.type = MouseEvent::kDown; break;
+    case QEvent::MouseButtonDblClick:
+        ev.type = MouseEvent::kDown;
+        ev.clickCount = 2;
+        break;
+    case QEvent::MouseButtonRelease: ev.type = MouseEvent::kUp; break;
+    default: ev.type = MouseEvent::kMove; break;
+    }
+    ev.button = TranslateButton(inEvent->button());
+    if (ev.type == MouseEvent::kMove && (inEvent->buttons() & Qt::LeftButton)) ev.button = 1;
+    ev.local = ToPoint(inEvent->position());
+    ev.global = ToPoint(inEvent->globalPosition());
+    ev.modifiers = kivcore::Flags<std::uint32_t>(TranslateModifiers(inEvent->modifiers()));
+    QWidget *under = inWidget->childAt(inEvent->position().toPoint());
+    ev.onSelf = !under || UI_Node::FromWidgetOrAncestor(under) == inNode;
+    if (ev.type == MouseEvent::kMove && ev.onSelf) HandleCursor(inWidget, inNode, inEvent->position());
+    return UI_NodeManager::Get().DispatchMouseEvent(inNode, ev);
+}
+
+bool NodeEventFilter::HandleCapture(QEvent *inEvent)
+{
+    auto *mouse = static_cast<QMouseEvent *>(inEvent);
+    MouseEvent ev;
+    ev.type = inEvent->type() == QEvent::MouseMove ? MouseEvent::kMove : MouseEvent::kUp;
+    ev.button = TranslateButton(mouse->button());
+    if (ev.type == MouseEvent::kMove && (mouse->buttons() & Qt::LeftButton)) ev.button = 1;
+    ev.global = ToPoint(mouse->globalPosition());
+    ev.local = ev.global;
+    ev.modifiers = kivcore::Flags<std::uint32_t>(TranslateModifiers(mouse->modifiers()));
+    ev.onSelf = false;
+    kivcore::utility::IntrusivePtr<InputCapture> capture(UI_NodeManager::Get().GetInputCapture());
+    if (ev.type == MouseEvent::kMove) {
+        capture->OnMouseMove(ev);
+    } else {
+        UI_NodeManager::Get().EndInputCapture();
+        capture->OnMouseUp(ev);
+    }
+    return true;
+}
+
+} // namespace kivui
