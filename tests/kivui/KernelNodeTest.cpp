@@ -1,0 +1,325 @@
+#include <kivui/UI_Container.h>
+#include <kivui/UI_SubView.h>
+
+#include <kivcore/Assert.h>
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QPointer>
+#include <QWidget>
+
+#include <vector>
+
+using kivcore::PointF;
+using kivcore::RectF;
+using kivcore::utility::IntrusivePtr;
+using kivcore::utility::MakeIntrusive;
+
+namespace kivui {
+namespace {
+
+// Records the hooks a size change runs.
+class RecordingView : public UI_SubView {
+public:
+    std::vector<PointF> sizeChanges;
+    int layouts = 0;
+    int nodeChanges = 0;
+    void UI_SizeChanged(PointF const &oldSize) override
+    {
+        sizeChanges.push_back(oldSize);
+        UI_SubView::UI_SizeChanged(oldSize);
+    }
+    void UI_LayoutChildren() override
+    {
+        ++layouts;
+        UI_SubView::UI_LayoutChildren();
+    }
+    void UI_NodeChanged() override { ++nodeChanges; }
+};
+
+class KernelNodeTest : public ::testing::Test {
+protected:
+    IntrusivePtr<UI_SubView> root = MakeIntrusive<UI_SubView>();
+};
+
+TEST_F(KernelNodeTest, ChildrenMirrorTheWidgetTree)
+{
+    auto a = MakeIntrusive<UI_SubView>();
+    auto b = MakeIntrusive<UI_SubView>();
+    root->ChildPushBack(a);
+    root->ChildPushBack(b);
+    ASSERT_EQ(root->UI_CountChildren(), 2);
+    EXPECT_EQ(root->UI_GetChild(0), a.get());
+    EXPECT_EQ(root->UI_GetChild(1), b.get());
+    EXPECT_EQ(root->UI_GetChild(2), nullptr);
+    EXPECT_EQ(a->UI_GetParent(), root.get());
+    EXPECT_EQ(a->UI_GetWidget()->parentWidget(), root->UI_GetWidget());
+    EXPECT_EQ(UI_Node::FromWidget(a->UI_GetWidget()), a.get());
+
+    // Moving a child to another parent takes it from the first one.
+    b->ChildPushBack(a);
+    EXPECT_EQ(root->UI_CountChildren(), 1);
+    EXPECT_EQ(a->UI_GetParent(), b.get());
+    EXPECT_EQ(a->UI_GetWidget()->parentWidget(), b->UI_GetWidget());
+    EXPECT_TRUE(root->UI_IsAncestorOf(a.get()));
+
+    root->ChildRemove(b.get());
+    EXPECT_EQ(root->UI_CountChildren(), 0);
+    EXPECT_EQ(b->UI_GetParent(), nullptr);
+    EXPECT_EQ(b->UI_GetWidget()->parentWidget(), nullptr);
+    // Removing a node that is not a child changes nothing.
+    root->ChildRemove(a.get());
+    EXPECT_EQ(b->UI_CountChildren(), 1);
+}
+
+TEST_F(KernelNodeTest, NodeOwnsItsWidgetAndDeleteChildrenDestroysUnheldChildren)
+{
+    QPointer<QWidget> held, unheld;
+    {
+        auto a = MakeIntrusive<UI_SubView>();
+        held = a->UI_GetWidget();
+        root->ChildPushBack(a);
+        auto b = MakeIntrusive<UI_SubView>();
+        unheld = b->UI_GetWidget();
+        root->ChildPushBack(std::move(b));
+        root->DeleteChildren();
+        EXPECT_EQ(root->UI_CountChildren(), 0);
+        EXPECT_TRUE(unheld.isNull());
+        ASSERT_FALSE(held.isNull()); // a still holds its node
+        EXPECT_EQ(held->parentWidget(), nullptr);
+    }
+    EXPECT_TRUE(held.isNull());
+
+    // A widget deleted behind the node's back is simply gone for the node.
+    auto c = MakeIntrusive<UI_SubView>();
+    root->ChildPushBack(c);
+    delete c->UI_GetWidget();
+    EXPECT_EQ(c->UI_GetWidget(), nullptr);
+    c->UI_SetLocalRectF(RectF{1, 2, 3, 4});
+    c->UI_Show(false);
+    EXPECT_EQ(c->UI_GetLocalRectF(true), (RectF{1, 2, 3, 4}));
+}
+
+TEST_F(KernelNodeTest, CyclesAndNullChildrenAreRefused)
+{
+    int asserts = 0;
+    auto previous = kivcore::debug::SetAssertHandler([&](kivcore::debug::AssertInfo const &) { ++asserts; });
+    auto a = MakeIntrusive<UI_SubView>();
+    root->ChildPushBack(a);
+    a->ChildPushBack(root);
+    root->ChildPushBack(root);
+    root->ChildPushBack(nullptr);
+    kivcore::debug::SetAssertHandler(previous);
+    EXPECT_EQ(asserts, 3);
+    EXPECT_EQ(a->UI_CountChildren(), 0);
+    EXPECT_EQ(root->UI_CountChildren(), 1);
+}
+
+TEST_F(KernelNodeTest, FloatGeometryIsKeptExactlyAndPushedRounded)
+{
+    auto a = MakeIntrusive<UI_SubView>();
+    root->ChildPushBack(a);
+    a->UI_SetLocalRectF(RectF{10.4f, 3.5f, 20.3f, 19.0f});
+    EXPECT_EQ(a->UI_GetLocalRectF(true), (RectF{10.4f, 3.5f, 20.3f, 19.0f}));
+    EXPECT_EQ(a->UI_GetLocalRectF(false), (RectF{0.0f, 0.0f, 20.3f, 19.0f}));
+    // Edges are rounded, not sizes: 10.4..30.7 covers pixels 10..31.
+    EXPECT_EQ(a->UI_GetWidget()->geometry(), QRect(10, 4, 21, 19));
+
+    // Two abutting float rectangles stay abutting on screen.
+    auto b = MakeIntrusive<UI_SubView>();
+    root->ChildPushBack(b);
+    b->UI_SetLocalRectF(RectF{30.7f, 3.5f, 5.0f, 19.0f});
+    EXPECT_EQ(b->UI_GetWidget()->geometry().left(), a->UI_GetWidget()->geometry().right() + 1);
+}
+
+TEST_F(KernelNodeTest, MatrixAddsOriginsUpToTheGivenAncestor)
+{
+    auto a = MakeIntrusive<UI_SubView>();
+    auto b = MakeIntrusive<UI_SubView>();
+    auto c = MakeIntrusive<UI_SubView>();
+    root->UI_SetLocalRectF(RectF{100, 100, 500, 500});
+    root->ChildPushBack(a);
+    a->ChildPushBack(b);
+    b->ChildPushBack(c);
+    a->UI_SetLocalRectF(RectF{10, 20, 300, 300});
+    b->UI_SetLocalRectF(RectF{1.5f, 2.5f, 100, 100});
+    c->UI_SetLocalRectF(RectF{3, 4, 10, 10});
+
+    EXPECT_EQ(c->UI_GetSelfToSpecificParentMatrix(b.get()), (UI_Matrix{3, 4}));
+    EXPECT_EQ(c->UI_GetSelfToSpecificParentMatrix(a.get()), (UI_Matrix{4.5f, 6.5f}));
+    // The root's own origin is not part of its tree's coordinates.
+    EXPECT_EQ(c->UI_GetSelfToSpecificParentMatrix(nullptr), (UI_Matrix{14.5f, 26.5f}));
+    EXPECT_EQ(c->UI_GetSelfToSpecificParentMatrix(root.get()), (UI_Matrix{14.5f, 26.5f}));
+    EXPECT_EQ(c->UI_GetSelfToSpecificParentMatrix(c.get()), (UI_Matrix{0, 0}));
+
+    UI_Matrix const m = c->UI_GetSelfToSpecificParentMatrix(a.get());
+    EXPECT_EQ(m.TransformRect(RectF{1, 1, 5, 6}), (RectF{5.5f, 7.5f, 5, 6}));
+    EXPECT_EQ(m.TransformPoint(PointF{0, 0}), (PointF{4.5f, 6.5f}));
+
+    // A node in a sibling branch goes through the common coordinates.
+    auto d = MakeIntrusive<UI_SubView>();
+    root->ChildPushBack(d);
+    d->UI_SetLocalRectF(RectF{50, 60, 10, 10});
+    EXPECT_EQ(c->UI_GetSelfToSpecificParentMatrix(d.get()), (UI_Matrix{14.5f - 50, 26.5f - 60}));
+}
+
+TEST_F(KernelNodeTest, BindingsFollowTheParentsSizeChange)
+{
+    struct Case {
+        std::uint32_t binding;
+        RectF expected;
+    };
+    // Parent grows from 200x100 to 260x140 (dx 60, dy 40); child at 10,20 50x30.
+    Case const cases[] = {
+        {kBindTopLeft, {10, 20, 50, 30}},
+        {0, {10, 20, 50, 30}},
+        {kBindWidth, {10, 20, 110, 30}},
+        {kBindWidth | kBindHeight, {10, 20, 110, 70}},
+        {kBindMoveRight, {70, 20, 50, 30}},
+        {kBindMoveDown, {10, 60, 50, 30}},
+        {kBindMoveRight | kBindMoveDown, {70, 60, 50, 30}},
+        {kBindMoveRight | kBindHeight, {70, 20, 50, 70}},
+    };
+    for (Case const &c : cases) {
+        auto parent = MakeIntrusive<UI_SubView>();
+        auto child = MakeIntrusive<UI_SubView>();
+        parent->UI_SetLocalRectF(RectF{0, 0, 200, 100});
+        parent->ChildPushBack(child);
+        child->UI_SetLocalRectF(RectF{10, 20, 50, 30});
+        child->UI_SetLayoutBinding(c.binding);
+        parent->UI_SetLocalRectF(RectF{5, 5, 260, 140});
+        EXPECT_EQ(child->UI_GetLocalRectF(true), c.expected) << "binding " << c.binding;
+        // Shrinking back restores the original frame.
+        parent->UI_SetLocalRectF(RectF{0, 0, 200, 100});
+        EXPECT_EQ(child->UI_GetLocalRectF(true), (RectF{10, 20, 50, 30})) << "binding " << c.binding;
+    }
+}
+
+TEST_F(KernelNodeTest, NestedBindingsCascadeAndLayoutsChildrenFalseSuppressesThem)
+{
+    auto parent = MakeIntrusive<RecordingView>();
+    auto mid = MakeIntrusive<RecordingView>();
+    auto leaf = MakeIntrusive<UI_SubView>();
+    parent->UI_SetLocalRectF(RectF{0, 0, 100, 100});
+    parent->ChildPushBack(mid);
+    mid->ChildPushBack(leaf);
+    mid->UI_SetLocalRectF(RectF{0, 0, 100, 19});
+    leaf->UI_SetLocalRectF(RectF{0, 0, 80, 19});
+    mid->UI_SetLayoutBinding(4);
+    leaf->UI_SetLayoutBinding(4);
+    mid->sizeChanges.clear();
+
+    parent->UI_SetLocalRectF(RectF{0, 0, 150, 100});
+    EXPECT_EQ(mid->UI_GetLocalRectF(true), (RectF{0, 0, 150, 19}));
+    EXPECT_EQ(leaf->UI_GetLocalRectF(true), (RectF{0, 0, 130, 19}));
+    ASSERT_EQ(mid->sizeChanges.size(), 1u);
+    EXPECT_EQ(mid->sizeChanges[0], (PointF{100, 19}));
+
+    // Setting the frame with the switch off leaves the children alone.
+    int const layoutsBefore = parent->layouts;
+    bool const previous = parent->UI_GetLayoutsChildren();
+    parent->UI_SetLayoutsChildren(false);
+    parent->UI_SetLocalRectF(RectF{0, 0, 300, 100});
+    parent->UI_SetLayoutsChildren(previous);
+    EXPECT_TRUE(parent->UI_GetLayoutsChildren());
+    EXPECT_EQ(parent->layouts, layoutsBefore);
+    EXPECT_EQ(mid->UI_GetLocalRectF(true), (RectF{0, 0, 150, 19}));
+
+    // A frame of the same size (a move) lays nothing out.
+    parent->UI_SetLocalRectF(RectF{7, 7, 300, 100});
+    EXPECT_EQ(parent->layouts, layoutsBefore);
+    // An explicit UI_LayoutChildren outside a size change moves nothing.
+    parent->UI_LayoutChildren();
+    EXPECT_EQ(mid->UI_GetLocalRectF(true), (RectF{0, 0, 150, 19}));
+}
+
+TEST_F(KernelNodeTest, QtResizeOfTheWidgetReachesTheNode)
+{
+    auto child = MakeIntrusive<UI_SubView>();
+    root->UI_SetLocalRectF(RectF{0, 0, 200, 100});
+    root->ChildPushBack(child);
+    child->UI_SetLocalRectF(RectF{0, 0, 200, 20});
+    child->UI_SetLayoutBinding(kBindWidth);
+    root->UI_Show(true);
+    root->UI_GetWidget()->resize(320, 100);
+    QApplication::processEvents();
+    EXPECT_EQ(root->UI_GetLocalRectF(false), (RectF{0, 0, 320, 100}));
+    EXPECT_EQ(child->UI_GetLocalRectF(true), (RectF{0, 0, 320, 20}));
+    root->UI_Show(false);
+}
+
+TEST_F(KernelNodeTest, ShowEnableIdAndSearch)
+{
+    auto a = MakeIntrusive<UI_SubView>();
+    auto b = MakeIntrusive<UI_SubView>();
+    a->UI_SetNodeID("a");
+    b->UI_SetNodeID("b");
+    root->ChildPushBack(a);
+    a->ChildPushBack(b);
+    EXPECT_EQ(root->UI_FindNodeByID("b"), b.get());
+    EXPECT_EQ(root->UI_FindNodeByID("zzz"), nullptr);
+    EXPECT_EQ(b->UI_GetNodeID(), "b");
+    EXPECT_EQ(b->UI_GetRoot(), root.get());
+
+    EXPECT_FALSE(root->UI_IsShown()); // a window appears only when asked
+    EXPECT_TRUE(a->UI_IsShown());
+    a->UI_Show(false);
+    EXPECT_FALSE(a->UI_IsShown());
+    root->UI_Show(true);
+    EXPECT_TRUE(root->UI_IsShown());
+    EXPECT_FALSE(a->UI_GetWidget()->isVisible());
+    EXPECT_FALSE(b->UI_GetWidget()->isVisible());
+    a->UI_Show(true);
+    EXPECT_TRUE(b->UI_GetWidget()->isVisible());
+
+    // A hidden node keeps its state when it moves to another parent.
+    b->UI_Show(false);
+    root->ChildPushBack(b);
+    EXPECT_FALSE(b->UI_GetWidget()->isVisible());
+
+    a->UI_SetEnabled(false);
+    EXPECT_FALSE(a->UI_IsEnabled());
+    EXPECT_FALSE(a->UI_GetWidget()->isEnabled());
+    a->UI_SetEnabled(true);
+    EXPECT_TRUE(a->UI_GetWidget()->isEnabled());
+    root->UI_Show(false);
+}
+
+TEST_F(KernelNodeTest, NodeChangedRunsOverAttachedSubtreesAndSupplierIsInherited)
+{
+    auto a = MakeIntrusive<RecordingView>();
+    auto b = MakeIntrusive<RecordingView>();
+    a->ChildPushBack(b);
+    a->nodeChanges = b->nodeChanges = 0;
+    root->ChildPushBack(a);
+    EXPECT_EQ(a->nodeChanges, 1);
+    EXPECT_EQ(b->nodeChanges, 1);
+
+    EXPECT_EQ(b->UI_GetDrawSupplier(), nullptr);
+    // Any non-null address will do: the supplier is only handed on.
+    auto *supplier = reinterpret_cast<drawbot::SupplierInterface *>(0x1000);
+    root->UI_SetDrawSupplier(supplier);
+    EXPECT_EQ(b->UI_GetDrawSupplier(), supplier);
+    EXPECT_EQ(b->nodeChanges, 2);
+    root->ChildRemove(a.get());
+    EXPECT_EQ(b->UI_GetDrawSupplier(), nullptr);
+    EXPECT_EQ(b->nodeChanges, 3);
+    root->UI_SetDrawSupplier(nullptr);
+}
+
+TEST_F(KernelNodeTest, GlobalStructureRectOfAWindowAndItsChildren)
+{
+    root->UI_SetGlobalStructureRect(RectF{40, 50, 300, 200});
+    EXPECT_EQ(root->UI_GetGlobalStructureRect(), (RectF{40, 50, 300, 200}));
+    EXPECT_EQ(root->UI_GetLocalRectF(false), (RectF{0, 0, 300, 200}));
+    auto a = MakeIntrusive<UI_SubView>();
+    root->ChildPushBack(a);
+    a->UI_SetLocalRectF(RectF{10, 20, 30, 40});
+    EXPECT_EQ(a->UI_GetGlobalStructureRect(), (RectF{50, 70, 30, 40}));
+    a->UI_SetGlobalStructureRect(RectF{60, 60, 30, 40});
+    EXPECT_EQ(a->UI_GetLocalRectF(true), (RectF{20, 10, 30, 40}));
+}
+
+} // namespace
+} // namespace kivui
