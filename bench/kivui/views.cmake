@@ -1,0 +1,3 @@
+kiv_add_benchmark(kivuiViewsBench
+  SOURCES ViewsBench.cpp
+  LINK kivui Qt6::Widgets)
