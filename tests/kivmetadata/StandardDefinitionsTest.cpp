@@ -1,7 +1,14 @@
 // Checks the schema, type and panel files shipped in kivmetadata's resources,
 // read with QXmlStreamReader only, so a fault in the data is told apart from
 // a fault in the model that reads it.
+#include <kivmetadata/Definitions.h>
+#include <kivmetadata/ErrorInfo.h>
 #include <kivmetadata/Initialize.h>
+#include <kivmetadata/PathOperations.h>
+#include <kivmetadata/SchemaDefinition.h>
+#include <kivmetadata/TypeDefinition.h>
+#include <kivmetadata/ViewDefinition.h>
+#include <kivmetadata/ViewDefinitions.h>
 
 #include <gtest/gtest.h>
 
@@ -12,6 +19,7 @@
 #include <QStandardPaths>
 #include <QXmlStreamReader>
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <set>
@@ -575,6 +583,73 @@ TEST_F(StandardDefinitionsTest, PanelsNameDefinedPropertiesWithKnownAttributes)
             }
         }
     }
+}
+
+// The model reads the same files: every schema arrives whole, and every path
+// of every standard panel has the definition its control is made from.
+TEST_F(StandardDefinitionsTest, ModelLoadsEverySchemaAndResolvesEveryPanelPath)
+{
+    kivmetadata::ClearErrorInfos();
+    ASSERT_TRUE(kivmetadata::Initialize());
+    for (auto const &e : kivmetadata::GetErrorInfos())
+        ADD_FAILURE() << "load error: " << e.mDescription << " (" << e.mContext << ")";
+
+    std::function<std::size_t(Def const &)> countDefs = [&](Def const &d) {
+        std::size_t n = 1;
+        for (auto const &f : d.fields) n += countDefs(f);
+        return n;
+    };
+    std::function<std::size_t(kivmetadata::PropertyDefinition const &)> countModel =
+        [&](kivmetadata::PropertyDefinition const &d) {
+            std::size_t n = 1;
+            for (auto const &f : d.mFields) n += countModel(*f);
+            return n;
+        };
+    for (auto const &s : mSchemas) {
+        auto schema = kivmetadata::NamespaceDefinition(s.ns.toStdString());
+        ASSERT_TRUE(schema) << s.prefix.toStdString();
+        EXPECT_EQ(schema->mPrefix, s.prefix.toStdString());
+        std::size_t inFile = 0, inModel = 0;
+        for (auto const &p : s.props) inFile += countDefs(p);
+        for (auto const &p : schema->mProperties) inModel += countModel(*p);
+        EXPECT_EQ(inModel, inFile) << s.prefix.toStdString() << ": properties and fields lost on reading";
+    }
+    for (auto const &[id, t] : mTypes) {
+        EXPECT_TRUE(kivmetadata::TypeIdDefinition(id.toStdString())) << id.toStdString();
+    }
+
+    std::function<void(kivmetadata::Path const &, std::string const &)> checkPath = [&](kivmetadata::Path const &path,
+                                                                                         std::string const &where) {
+        auto definition = kivmetadata::PathEntryDefinition(path);
+        if (!definition) {
+            ADD_FAILURE() << where << ": no definition for " << path.mNamespace << " " << path.mPath;
+            return;
+        }
+        if (!definition->mTypeId.empty()) {
+            EXPECT_TRUE(kivmetadata::TypeIdDefinition(definition->mTypeId)) << where;
+        }
+        if (definition->IsStruct()) {
+            for (auto const &field : definition->mFields)
+                checkPath(kivmetadata::CreatePathFromStructField(path, *field), where);
+        }
+    };
+    for (auto const &p : mPanels) {
+        auto view = kivmetadata::GetViewDefinitionForName(p.name.toStdString());
+        ASSERT_TRUE(view) << p.name.toStdString();
+        std::size_t shown = 0;
+        for (auto const &section : view->mItems) {
+            for (auto const &item : section->mChildren) {
+                ++shown;
+                std::string where = p.name.toStdString() + " " + item->mPath.mPath;
+                checkPath(item->mPath, where);
+                if (item->HasAttribute("rating")) {
+                    EXPECT_EQ(kivmetadata::PrimitiveTypeOfPath(item->mPath), kivmetadata::kPrimitiveType_Real) << where;
+                }
+            }
+        }
+        EXPECT_EQ(shown, p.items.size()) << p.name.toStdString();
+    }
+    kivmetadata::Terminate();
 }
 
 // exiftool knows the value form of every standard property; the definitions
