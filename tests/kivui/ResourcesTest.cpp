@@ -1,0 +1,162 @@
+#include <kivui/DrawbotImageResourceCache.h>
+#include <kivui/ImageProvider.h>
+#include <kivui/OS_ResourceManager.h>
+#include <kivui/SkinManager.h>
+
+#include <kivcore/Assert.h>
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QTemporaryDir>
+
+#include <string>
+#include <vector>
+
+using kivui::skins::core::SkinManager;
+using kivui::skins::core::SkinVersion;
+using kivui::utility::DrawbotImageResourceCache;
+using kivui::utility::ImageProvider;
+using kivui::utility::OS_ResourceManager;
+
+namespace {
+
+void AFunctionOfThisProgram() {}
+
+// Counts reads, so that tests can tell a cache hit from a second read.
+class CountingResourceManager : public OS_ResourceManager {
+public:
+    using OS_ResourceManager::OS_ResourceManager;
+    QByteArray GetResourceData(std::string_view relativePath) const override
+    {
+        ++reads;
+        return OS_ResourceManager::GetResourceData(relativePath);
+    }
+    mutable int reads = 0;
+};
+
+class ResourcesTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(mDir.isValid());
+        QDir(mDir.path()).mkpath(QStringLiteral("images"));
+        QDir(mDir.path()).mkpath(QStringLiteral("theme/V7"));
+        WriteImage(QStringLiteral("images/Link_Sm.png"), Qt::red);
+        WriteImage(QStringLiteral("theme/V7/Link_Sm.png"), Qt::blue);
+        WriteImage(QStringLiteral("images/Alert_Sm.png"), Qt::green);
+        QFile broken(mDir.filePath(QStringLiteral("images/Broken.png")));
+        ASSERT_TRUE(broken.open(QIODevice::WriteOnly));
+        broken.write("\x89PNG\r\n\x1a\nnot really");
+        mPreviousAssert = kivcore::debug::SetAssertHandler(
+            [this](kivcore::debug::AssertInfo const &info) { mAsserts.push_back(info.condition); });
+    }
+    void TearDown() override
+    {
+        kivcore::debug::SetAssertHandler(mPreviousAssert);
+        SkinManager::SetSkinVersion(SkinVersion::kV7);
+    }
+
+    void WriteImage(QString const &relative, Qt::GlobalColor color)
+    {
+        QImage image(4, 4, QImage::Format_ARGB32);
+        image.fill(color);
+        ASSERT_TRUE(image.save(mDir.filePath(relative), "png"));
+    }
+
+    QTemporaryDir mDir;
+    std::vector<std::string> mAsserts;
+    kivcore::debug::AssertHandler mPreviousAssert;
+};
+
+TEST_F(ResourcesTest, PrefixComesFromTheModuleFileName)
+{
+    struct Case {
+        char const *file;
+        char const *prefix;
+    } const cases[] = {
+        {"/usr/lib/x86_64-linux-gnu/libkivmetadataui.so.0.1.0", ":/kivmetadataui/"},
+        {"libkivmetadataui.so", ":/kivmetadataui/"},
+        {"/opt/app/bin/kivgallery", ":/kivgallery/"},
+        {"C:/Program Files/kiv/kivmetadataui.dll", ":/kivmetadataui/"},
+        {"/Library/libkivui.dylib", ":/kivui/"},
+        {"", ""},
+    };
+    for (auto const &c : cases) {
+        EXPECT_EQ(OS_ResourceManager::PrefixForModuleFile(c.file).toStdString(), c.prefix) << c.file;
+    }
+}
+
+TEST_F(ResourcesTest, ModuleHandleFromAnAddressReachesTheModulesCompiledResources)
+{
+    auto const module = OS_ResourceManager::ModuleFromAddress(reinterpret_cast<void const *>(&AFunctionOfThisProgram));
+    ASSERT_TRUE(module);
+    EXPECT_TRUE(mAsserts.empty());
+    OS_ResourceManager resources(module);
+    EXPECT_EQ(resources.GetPrefix(), QStringLiteral(":/KivuiDialogsTest/"));
+    QByteArray const archive = resources.GetUIArchive("Sample");
+    EXPECT_TRUE(archive.contains("kivui::UI_SubView"));
+    EXPECT_TRUE(resources.GetUIArchive("NoSuchDialog").isEmpty());
+    EXPECT_TRUE(resources.GetLayoutDescription("Sample").isEmpty());
+
+    auto const nothing = OS_ResourceManager::ModuleFromAddress(nullptr);
+    EXPECT_FALSE(nothing);
+    ASSERT_EQ(mAsserts.size(), 1u);
+    EXPECT_EQ(mAsserts[0], "result && hmodule");
+    // A manager over no module has no resources and does not fail.
+    OS_ResourceManager none(nothing);
+    EXPECT_TRUE(none.GetUIArchive("Sample").isEmpty());
+    EXPECT_TRUE(none.GetImage("Link_Sm").isNull());
+}
+
+TEST_F(ResourcesTest, ImagesByNamePreferTheLookInUseAndSurviveBrokenFiles)
+{
+    OS_ResourceManager resources(mDir.path());
+    SkinManager::SetSkinVersion(SkinVersion::kV7);
+    EXPECT_EQ(resources.GetImage("Link_Sm").pixelColor(0, 0), QColor(Qt::blue));
+    EXPECT_EQ(resources.GetImage("Alert_Sm").pixelColor(0, 0), QColor(Qt::green));
+    SkinManager::SetSkinVersion(SkinVersion::kV5);
+    EXPECT_EQ(resources.GetImage("Link_Sm").pixelColor(0, 0), QColor(Qt::red));
+    EXPECT_TRUE(resources.GetImage("Missing").isNull());
+    EXPECT_TRUE(resources.GetImage("Broken").isNull());
+
+    EXPECT_EQ(resources.GetCursor(11, 3).shape(), Qt::SplitVCursor);
+    EXPECT_EQ(resources.GetCursor(11, 0).shape(), Qt::SplitVCursor);
+    EXPECT_EQ(resources.GetCursor(999, 3).shape(), Qt::ArrowCursor);
+}
+
+TEST_F(ResourcesTest, ProviderReadsEachImageOnceAndPerLook)
+{
+    CountingResourceManager resources(mDir.path());
+    DrawbotImageResourceCache cache;
+    ImageProvider provider(&resources, nullptr, &cache);
+    SkinManager::SetSkinVersion(SkinVersion::kV5);
+
+    QImage const first = provider.GetImage("Link_Sm");
+    int const readsAfterFirst = resources.reads;
+    EXPECT_GT(readsAfterFirst, 0);
+    EXPECT_EQ(provider.GetImage("Link_Sm"), first);
+    EXPECT_EQ(resources.reads, readsAfterFirst);
+
+    // A missing image is remembered as missing.
+    EXPECT_TRUE(provider.GetImage("Missing").isNull());
+    int const readsAfterMissing = resources.reads;
+    EXPECT_TRUE(provider.GetImage("Missing").isNull());
+    EXPECT_EQ(resources.reads, readsAfterMissing);
+
+    // Another look reads its own theme image.
+    SkinManager::SetSkinVersion(SkinVersion::kV7);
+    EXPECT_EQ(provider.GetImage("Link_Sm").pixelColor(0, 0), QColor(Qt::blue));
+    EXPECT_EQ(cache.Count(), 3u);
+    cache.Clear();
+    EXPECT_EQ(cache.Count(), 0u);
+
+    ImageProvider noResources(nullptr, nullptr, &cache);
+    EXPECT_TRUE(noResources.GetImage("Link_Sm").isNull());
+    ImageProvider noCache(&resources, nullptr, nullptr);
+    EXPECT_FALSE(noCache.GetImage("Link_Sm").isNull());
+}
+
+} // namespace
