@@ -6,6 +6,6 @@ kiv_add_gtest(KivuiDialogsTest
     ${CMAKE_CURRENT_LIST_DIR}/ResourcesTest.cpp
     ${CMAKE_CURRENT_LIST_DIR}/ResourcesDrawingTest.cpp
     ${CMAKE_CURRENT_LIST_DIR}/ResourcesPrefsTest.cpp
-    ${CMAKE_CURRENT_LIST_DIR}/data/KivuiDialogsTest.qrc
+    ${CMAKE_CURRENT_LIST_DIR}/dialogs_data/KivuiDialogsTest.qrc
   LINK kivui Qt6::Test
   MAIN kivtest_main_gui)
