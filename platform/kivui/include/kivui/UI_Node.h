@@ -28,8 +28,6 @@ class UI_Container;
 // widget rounded; Qt events reach the node through the virtual UI_Do* hooks.
 class KIVUI_EXPORT UI_Node : public kivcore::utility::RefCountedInterface {
 public:
-    using IntrusivePtr = kivcore::utility::IntrusivePtr<UI_Node>;
-
     // A node over a plain QWidget that paints through UI_Draw.
     UI_Node();
     UI_Node(UI_Node const &) = delete;

@@ -15,10 +15,11 @@ namespace kivui {
 class UI_Node;
 
 // Receives every mouse move, wherever the pointer is, until the button that
-// started the capture is released.
+// started the capture is released. Event coordinates: `global` on the screen;
+// `local` in the node whose mouse-down started the capture (the node given to
+// BeginInputCapture, or else the node handling the press), global otherwise.
 class KIVUI_EXPORT InputCapture : public kivcore::utility::RefCountedInterface {
 public:
-    // Coordinates in the events are global; local equals global.
     virtual void OnMouseMove(MouseEvent const &inEvent);
     // Called once; the capture ends right after.
     virtual void OnMouseUp(MouseEvent const &inEvent);
@@ -33,7 +34,8 @@ class KIVUI_EXPORT UI_NodeManager {
 public:
     static UI_NodeManager &Get();
 
-    void BeginInputCapture(kivcore::utility::IntrusivePtr<InputCapture> inCapture);
+    void BeginInputCapture(kivcore::utility::IntrusivePtr<InputCapture> inCapture,
+                           UI_Node *inCoordinateNode = nullptr);
     void EndInputCapture();
     InputCapture *GetInputCapture() const;
 
@@ -41,8 +43,14 @@ public:
     void SetCursor(QCursor const &inCursor);
 
     // Dispatch entry points used by the event filter; public so that tests
-    // and synthetic input can drive nodes without Qt events.
+    // and synthetic input can drive nodes without Qt events. A key goes to
+    // UI_DoPreKeyboardEvent from the top node down to the focus node, then to
+    // UI_DoKeyboardEvent from the focus node up; the first true ends it.
     bool DispatchKeyboardEvent(UI_Node *inFocusNode, KeyboardEvent const &inEvent);
+    bool DispatchPreKeyboardEvent(UI_Node *inFocusNode, KeyboardEvent const &inEvent);
+    bool DispatchPostKeyboardEvent(UI_Node *inFocusNode, KeyboardEvent const &inEvent);
+    // Delivers a capture's event as the filter does (mouse up ends it).
+    void DispatchCaptureEvent(MouseEvent const &inEvent);
     bool DispatchMouseEvent(UI_Node *inTarget, MouseEvent const &inEvent);
 
     UI_NodeManager(UI_NodeManager const &) = delete;

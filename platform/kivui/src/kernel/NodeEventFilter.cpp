@@ -32,6 +32,33 @@ void NodeWidget::paintEvent(QPaintEvent *)
     mNode->UI_Draw(drawbot);
 }
 
+// Sees every event of the application once per receiver: keys (which go to
+// the focus widget, often not a node widget) and the moves of an input
+// capture, wherever the pointer is.
+class ApplicationFilter : public QObject {
+public:
+    explicit ApplicationFilter(NodeEventFilter *inOwner) : mOwner(inOwner) {}
+
+protected:
+    bool eventFilter(QObject *inWatched, QEvent *inEvent) override
+    {
+        switch (inEvent->type()) {
+        case QEvent::KeyPress:
+        case QEvent::KeyRelease:
+            if (!inWatched->isWidgetType()) return false;
+            return mOwner->HandleKey(static_cast<QWidget *>(inWatched), static_cast<QKeyEvent *>(inEvent));
+        case QEvent::MouseMove:
+        case QEvent::MouseButtonRelease:
+            if (!UI_NodeManager::Get().GetInputCapture() || !inWatched->isWidgetType()) return false;
+            return mOwner->HandleCapture(inEvent);
+        default: return false;
+        }
+    }
+
+private:
+    NodeEventFilter *mOwner;
+};
+
 NodeEventFilter &NodeEventFilter::Get()
 {
     static NodeEventFilter *filter = new NodeEventFilter;
@@ -43,7 +70,7 @@ NodeEventFilter::NodeEventFilter() = default;
 void NodeEventFilter::Watch(QWidget *inWidget)
 {
     if (!mAppFilterInstalled && QCoreApplication::instance()) {
-        QCoreApplication::instance()->installEventFilter(this);
+        QCoreApplication::instance()->installEventFilter(new ApplicationFilter(this));
         mAppFilterInstalled = true;
     }
     inWidget->installEventFilter(this);
@@ -114,19 +141,6 @@ KeyboardEvent NodeEventFilter::TranslateKey(QKeyEvent const &inEvent)
 
 bool NodeEventFilter::eventFilter(QObject *inWatched, QEvent *inEvent)
 {
-    switch (inEvent->type()) {
-    case QEvent::KeyPress:
-    case QEvent::KeyRelease:
-        if (inWatched->isWidgetType())
-            return HandleKey(static_cast<QWidget *>(inWatched), static_cast<QKeyEvent *>(inEvent));
-        return false;
-    case QEvent::MouseMove:
-    case QEvent::MouseButtonRelease:
-        if (UI_NodeManager::Get().GetInputCapture()) return HandleCapture(inEvent);
-        break;
-    default: break;
-    }
-
     if (!inWatched->isWidgetType()) return false;
     QWidget *widget = static_cast<QWidget *>(inWatched);
     UI_Node *node = nullptr;
@@ -174,16 +188,33 @@ bool NodeEventFilter::eventFilter(QObject *inWatched, QEvent *inEvent)
 
 bool NodeEventFilter::HandleKey(QWidget *inWidget, QKeyEvent *inEvent)
 {
+    if (mForwardingTab) return false;
     UI_Node *node = UI_Node::FromWidgetOrAncestor(inWidget);
     if (!node) return false;
-    if (mLastKeyEvent == inEvent && mLastKeyWidget && inWidget->isAncestorOf(mLastKeyWidget)) {
+    // (QWidget::isAncestorOf counts the widget itself, hence the first test.)
+    if (mLastKeyEvent == inEvent && mLastKeyWidget && mLastKeyWidget != inWidget
+        && inWidget->isAncestorOf(mLastKeyWidget)) {
         // The same event travelling up after the focus widget ignored it.
         mLastKeyWidget = inWidget;
         return false;
     }
     mLastKeyEvent = inEvent;
     mLastKeyWidget = inWidget;
-    return UI_NodeManager::Get().DispatchKeyboardEvent(node, TranslateKey(*inEvent));
+    KeyboardEvent const ev = TranslateKey(*inEvent);
+    auto &manager = UI_NodeManager::Get();
+    if (ev.code != KeyboardCode::kTab || !ev.keyDown || mForwardingTab)
+        return manager.DispatchKeyboardEvent(node, ev);
+
+    // Tab: the pre-pass may take over focus moving; otherwise Qt moves the
+    // focus first and the key then reaches the nodes from the newly focused
+    // node, so that views can keep the new focus visible.
+    if (manager.DispatchPreKeyboardEvent(node, ev)) return true;
+    mForwardingTab = true;
+    QCoreApplication::sendEvent(inWidget, inEvent);
+    mForwardingTab = false;
+    UI_Node *focus = UI_Node::FromWidgetOrAncestor(QApplication::focusWidget());
+    manager.DispatchPostKeyboardEvent(focus ? focus : node, ev);
+    return true;
 }
 
 bool NodeEventFilter::HandleMouse(QWidget *inWidget, UI_Node *inNode, QMouseEvent *inEvent)
@@ -217,16 +248,8 @@ bool NodeEventFilter::HandleCapture(QEvent *inEvent)
     ev.button = TranslateButton(mouse->button());
     if (ev.type == MouseEvent::kMove && (mouse->buttons() & Qt::LeftButton)) ev.button = 1;
     ev.global = ToPoint(mouse->globalPosition());
-    ev.local = ev.global;
     ev.modifiers = kivcore::Flags<std::uint32_t>(TranslateModifiers(mouse->modifiers()));
-    ev.onSelf = false;
-    kivcore::utility::IntrusivePtr<InputCapture> capture(UI_NodeManager::Get().GetInputCapture());
-    if (ev.type == MouseEvent::kMove) {
-        capture->OnMouseMove(ev);
-    } else {
-        UI_NodeManager::Get().EndInputCapture();
-        capture->OnMouseUp(ev);
-    }
+    UI_NodeManager::Get().DispatchCaptureEvent(ev);
     return true;
 }
 

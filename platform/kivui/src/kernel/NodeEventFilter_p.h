@@ -43,6 +43,7 @@ protected:
     bool eventFilter(QObject *inWatched, QEvent *inEvent) override;
 
 private:
+    friend class ApplicationFilter;
     NodeEventFilter();
     bool HandleKey(QWidget *inWidget, QKeyEvent *inEvent);
     bool HandleMouse(QWidget *inWidget, UI_Node *inNode, QMouseEvent *inEvent);
@@ -54,6 +55,7 @@ private:
     // node widget to see one dispatches it.
     QEvent const *mLastKeyEvent = nullptr;
     QPointer<QWidget> mLastKeyWidget;
+    bool mForwardingTab = false;
 };
 
 // Holds a node alive across a dispatch and defers its release to the event

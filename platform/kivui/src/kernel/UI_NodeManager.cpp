@@ -20,6 +20,8 @@ void InputCapture::OnMouseUp(MouseEvent const &) {}
 
 struct UI_NodeManager::Private {
     kivcore::utility::IntrusivePtr<InputCapture> capture;
+    kivcore::utility::IntrusivePtr<UI_Node> captureNode;
+    UI_Node *mouseNode = nullptr; // node handling the mouse event being dispatched
     QPointer<QWidget> cursorWidget;
     bool cursorSet = false;
 };
@@ -34,12 +36,40 @@ UI_NodeManager &UI_NodeManager::Get()
     return *manager;
 }
 
-void UI_NodeManager::BeginInputCapture(kivcore::utility::IntrusivePtr<InputCapture> inCapture)
+void UI_NodeManager::BeginInputCapture(kivcore::utility::IntrusivePtr<InputCapture> inCapture,
+                                       UI_Node *inCoordinateNode)
 {
     d->capture = std::move(inCapture);
+    d->captureNode = inCoordinateNode ? inCoordinateNode : d->mouseNode;
 }
 
-void UI_NodeManager::EndInputCapture() { d->capture.reset(); }
+void UI_NodeManager::EndInputCapture()
+{
+    d->capture.reset();
+    d->captureNode.reset();
+}
+
+void UI_NodeManager::DispatchCaptureEvent(MouseEvent const &inEvent)
+{
+    if (!d->capture) return;
+    MouseEvent ev = inEvent;
+    ev.onSelf = false;
+    ev.local = ev.global;
+    if (d->captureNode) {
+        if (QWidget *w = d->captureNode->UI_GetWidget()) {
+            // Widget and node coordinates differ only by the rounding of the origin.
+            QPointF const p = w->mapFromGlobal(QPointF(ev.global.x, ev.global.y));
+            ev.local = kivcore::PointF{float(p.x()), float(p.y())};
+        }
+    }
+    kivcore::utility::IntrusivePtr<InputCapture> capture = d->capture;
+    if (ev.type == MouseEvent::kUp) {
+        EndInputCapture();
+        capture->OnMouseUp(ev);
+    } else {
+        capture->OnMouseMove(ev);
+    }
+}
 
 InputCapture *UI_NodeManager::GetInputCapture() const { return d->capture.get(); }
 
@@ -54,7 +84,11 @@ void UI_NodeManager::SetCursor(QCursor const &inCursor)
 
 bool UI_NodeManager::DispatchKeyboardEvent(UI_Node *inFocusNode, KeyboardEvent const &inEvent)
 {
-    if (!inFocusNode) return false;
+    return DispatchPreKeyboardEvent(inFocusNode, inEvent) || DispatchPostKeyboardEvent(inFocusNode, inEvent);
+}
+
+bool UI_NodeManager::DispatchPreKeyboardEvent(UI_Node *inFocusNode, KeyboardEvent const &inEvent)
+{
     std::vector<UI_Node *> chain;
     std::deque<NodeKeepAlive> keep;
     for (UI_Node *n = inFocusNode; n; n = n->UI_GetParent()) {
@@ -64,7 +98,18 @@ bool UI_NodeManager::DispatchKeyboardEvent(UI_Node *inFocusNode, KeyboardEvent c
     for (auto it = chain.rbegin(); it != chain.rend(); ++it) {
         if ((*it)->UI_DoPreKeyboardEvent(inFocusNode, inEvent)) return true;
     }
-    for (auto const &n : chain) {
+    return false;
+}
+
+bool UI_NodeManager::DispatchPostKeyboardEvent(UI_Node *inFocusNode, KeyboardEvent const &inEvent)
+{
+    std::vector<UI_Node *> chain;
+    std::deque<NodeKeepAlive> keep;
+    for (UI_Node *n = inFocusNode; n; n = n->UI_GetParent()) {
+        chain.push_back(n);
+        keep.emplace_back(n);
+    }
+    for (UI_Node *n : chain) {
         if (n->UI_DoKeyboardEvent(inFocusNode, inEvent)) return true;
     }
     return false;
@@ -74,7 +119,11 @@ bool UI_NodeManager::DispatchMouseEvent(UI_Node *inTarget, MouseEvent const &inE
 {
     if (!inTarget) return false;
     NodeKeepAlive keep(inTarget);
-    return inTarget->UI_DoMouseEvent(inEvent);
+    UI_Node *const previous = d->mouseNode;
+    d->mouseNode = inTarget;
+    bool const handled = inTarget->UI_DoMouseEvent(inEvent);
+    d->mouseNode = previous;
+    return handled;
 }
 
 void NodeEventFilter::HandleCursor(QWidget *inWidget, UI_Node *inNode, QPointF inPos)

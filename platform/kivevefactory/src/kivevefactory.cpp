@@ -1,1 +1,0 @@
-#include <kivevefactory/kivevefactory.h>
