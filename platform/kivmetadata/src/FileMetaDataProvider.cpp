@@ -61,7 +61,8 @@ bool ReadEmbedded(std::string const &path, XMPMeta &meta, bool &found, bool &inP
     xmp_files_get_file_info(file.get(), filePath, &options, &format, &flags);
     XmpString packet;
     XmpPacketInfo info{};
-    found = xmp_files_get_xmp_xmpstring(file.get(), packet, &info) && info.offset >= 0;
+    // The PNG handler reports offset -1 even with a packet: the text decides.
+    found = xmp_files_get_xmp_xmpstring(file.get(), packet, &info) && xmp_string_len(packet) > 0;
     if (!found) {
         // A format without packet: writable in place only when Exempi can inject one.
         inPlace = format != XMP_FT_UNKNOWN && format != XMP_FT_TEXT && (flags & kInPlaceFlags);

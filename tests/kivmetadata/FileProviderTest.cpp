@@ -1,0 +1,382 @@
+#include <kivmetadata/ErrorInfo.h>
+#include <kivmetadata/FileMetaDataProvider.h>
+#include <kivmetadata/Initialize.h>
+#include <kivmetadata/MemoryMetaDataProvider.h>
+#include <kivmetadata/MetaDataUpdateAccess.h>
+#include <kivmetadata/MultiMetaDataProvider.h>
+#include <kivmetadata/PathOperations.h>
+#include <kivmetadata/Value.h>
+#include <kivmetadata/ValueAccess.h>
+#include <kivmetadata/XMPMeta.h>
+
+#include <gtest/gtest.h>
+
+#include <QBuffer>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QImage>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+
+#include <unistd.h>
+
+using namespace kivmetadata;
+
+namespace {
+
+constexpr char kDC[] = "http://purl.org/dc/elements/1.1/";
+constexpr char kXMP[] = "http://ns.adobe.com/xap/1.0/";
+constexpr char kFoo[] = "http://foo.example/ns/";
+
+QByteArray ImageBytes(char const *format)
+{
+    QImage image(16, 8, QImage::Format_RGB32);
+    image.fill(QColor(40, 120, 200));
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, format);
+    return bytes;
+}
+
+// A baseline TIFF of one grey pixel, written by hand (no TIFF plugin needed).
+QByteArray TiffBytes()
+{
+    QByteArray b("II*\0", 4);
+    auto u16 = [&](quint16 v) { b.append(char(v & 0xff)).append(char(v >> 8)); };
+    auto u32 = [&](quint32 v) { for (int i = 0; i < 4; ++i) b.append(char((v >> (8 * i)) & 0xff)); };
+    u32(8);
+    struct Entry { quint16 tag, type; quint32 count, value; };
+    Entry const entries[] = {{256, 3, 1, 1}, {257, 3, 1, 1},   {258, 3, 1, 8}, {259, 3, 1, 1},
+                             {262, 3, 1, 1}, {273, 4, 1, 110}, {278, 3, 1, 1}, {279, 4, 1, 1}};
+    u16(std::size(entries));
+    for (auto const &e : entries) {
+        u16(e.tag);
+        u16(e.type);
+        u32(e.count);
+        u32(e.value);
+    }
+    u32(0);
+    EXPECT_EQ(b.size(), 110);
+    b.append(char(0x80));
+    return b;
+}
+
+QString Exiftool()
+{
+    return QStandardPaths::findExecutable(QStringLiteral("exiftool"));
+}
+
+// One tag as exiftool prints it (-s3), or the empty string.
+QString ExifRead(QString const &file, QString const &tag)
+{
+    QProcess process;
+    process.start(Exiftool(), {QStringLiteral("-s3"), QStringLiteral("-") + tag, file});
+    process.waitForFinished(30000);
+    return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
+}
+
+class FileProviderTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(mDir.isValid());
+        ASSERT_TRUE(Initialize());
+        XMPMeta::RegisterNamespace(kFoo, "foo");
+        ClearErrorInfos();
+    }
+    void TearDown() override { Terminate(); }
+
+    QString Write(QString const &name, QByteArray const &bytes)
+    {
+        QString const path = mDir.filePath(name);
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+        return path;
+    }
+    static QByteArray Read(QString const &path)
+    {
+        QFile file(path);
+        file.open(QIODevice::ReadOnly);
+        return file.readAll();
+    }
+    static std::shared_ptr<FileMetaDataProvider> Open(QString const &path, std::string *error = nullptr)
+    {
+        return FileMetaDataProvider::Open(path.toStdU16String(), error);
+    }
+    static Value V(std::shared_ptr<MetaDataProvider> const &provider, char const *ns, char const *name)
+    {
+        return Value{false, PathForSchemaNameAndPropertyName(ns, name), provider};
+    }
+    static std::string Text(std::shared_ptr<MetaDataProvider> const &provider, char const *ns, char const *name)
+    {
+        std::string text;
+        GetValueResult result;
+        GetValue(V(provider, ns, name), text, result);
+        return text;
+    }
+    // Writes a file with keywords, a title and a property of an undeclared namespace.
+    QString FileWithMetadata(QString const &name, QByteArray const &image)
+    {
+        QString const path = Write(name, image);
+        auto provider = Open(path);
+        EXPECT_TRUE(provider);
+        {
+            MetaDataUpdateAccess access(provider);
+            EXPECT_TRUE(SetValue(V(provider, kDC, "subject"), "boat; sea"));
+            EXPECT_TRUE(SetValue(V(provider, kDC, "title"), "Harbour"));
+            EXPECT_TRUE(SetValue(V(provider, kXMP, "Rating"), 3));
+            EXPECT_TRUE(provider->GetMeta()->SetProperty(kFoo, "foo:secret", "kept"));
+            access.AddChange(Path{});
+        }
+        std::string error;
+        EXPECT_TRUE(provider->Save(&error)) << error;
+        return path;
+    }
+
+    QTemporaryDir mDir;
+};
+
+TEST_F(FileProviderTest, EachWritableFormatKeepsWhatWasSavedAndExiftoolAgrees)
+{
+    struct Case {
+        char const *name;
+        QByteArray bytes;
+    } const cases[] = {{"photo.jpg", ImageBytes("JPG")}, {"photo.png", ImageBytes("PNG")}, {"photo.tif", TiffBytes()}};
+    for (auto const &c : cases) {
+        SCOPED_TRACE(c.name);
+        QString const path = Write(QString::fromLatin1(c.name), c.bytes);
+        auto provider = Open(path);
+        ASSERT_TRUE(provider);
+        EXPECT_TRUE(provider->GetMeta()->IsEmpty()); // no XMP yet
+        EXPECT_TRUE(provider->SidecarPath().empty());
+        {
+            MetaDataUpdateAccess access(provider);
+            ASSERT_TRUE(SetValue(V(provider, kDC, "subject"), "boat; sea"));
+            ASSERT_TRUE(SetValue(V(provider, kDC, "title"), "Harbour"));
+            ASSERT_TRUE(SetMinimalFloatValue(V(provider, kXMP, "Rating"), 4.0));
+            access.AddChange(Path{});
+        }
+        EXPECT_TRUE(provider->IsModified());
+        std::string error;
+        ASSERT_TRUE(provider->Save(&error)) << error;
+        EXPECT_FALSE(provider->IsModified());
+        EXPECT_FALSE(QFileInfo::exists(mDir.filePath(QStringLiteral("photo.xmp"))));
+
+        auto reread = Open(path);
+        ASSERT_TRUE(reread);
+        EXPECT_EQ(Text(reread, kDC, "subject"), "boat; sea");
+        EXPECT_EQ(Text(reread, kDC, "title"), "Harbour");
+        EXPECT_EQ(Text(reread, kXMP, "Rating"), "4");
+        if (!Exiftool().isEmpty()) {
+            EXPECT_EQ(ExifRead(path, QStringLiteral("XMP-dc:Subject")), QStringLiteral("boat, sea"));
+            EXPECT_EQ(ExifRead(path, QStringLiteral("XMP-dc:Title")), QStringLiteral("Harbour"));
+            EXPECT_EQ(ExifRead(path, QStringLiteral("XMP-xmp:Rating")), QStringLiteral("4"));
+        }
+    }
+    EXPECT_TRUE(GetErrorInfos().empty());
+    if (Exiftool().isEmpty()) GTEST_SKIP() << "exiftool is not installed: second reader not checked";
+}
+
+TEST_F(FileProviderTest, SavingKeepsUneditedAndUndeclaredProperties)
+{
+    QString const path = FileWithMetadata(QStringLiteral("keep.jpg"), ImageBytes("JPG"));
+    auto provider = Open(path);
+    ASSERT_TRUE(provider);
+    {
+        MetaDataUpdateAccess access(provider);
+        ASSERT_TRUE(SetValue(V(provider, kXMP, "Rating"), 5));
+        access.AddChange(V(provider, kXMP, "Rating").mPath);
+    }
+    ASSERT_TRUE(provider->Save());
+    auto reread = Open(path);
+    EXPECT_EQ(Text(reread, kXMP, "Rating"), "5");
+    EXPECT_EQ(Text(reread, kDC, "subject"), "boat; sea");
+    EXPECT_EQ(Text(reread, kDC, "title"), "Harbour");
+    std::string secret;
+    EXPECT_TRUE(reread->GetMeta()->GetProperty(kFoo, "foo:secret", secret));
+    EXPECT_EQ(secret, "kept");
+    if (!Exiftool().isEmpty()) {
+        EXPECT_EQ(ExifRead(path, QStringLiteral("XMP:Secret")), QStringLiteral("kept"));
+    }
+}
+
+TEST_F(FileProviderTest, NothingIsWrittenWhenNothingChanged)
+{
+    QString const path = FileWithMetadata(QStringLiteral("same.jpg"), ImageBytes("JPG"));
+    QByteArray const before = Read(path);
+    QDateTime const stamp = QFileInfo(path).lastModified();
+    auto provider = Open(path);
+    {
+        MetaDataUpdateAccess access(provider);
+        EXPECT_FALSE(SetValue(V(provider, kDC, "subject"), "boat;sea")); // same items
+        EXPECT_FALSE(SetValue(V(provider, kXMP, "Rating"), 3));
+    }
+    EXPECT_FALSE(provider->IsModified());
+    EXPECT_TRUE(provider->Save());
+    EXPECT_EQ(Read(path), before);
+    EXPECT_EQ(QFileInfo(path).lastModified(), stamp);
+}
+
+TEST_F(FileProviderTest, FormatsWithoutXmpSupportGetASidecar)
+{
+    QByteArray const data("plain bytes that no XMP handler knows\n");
+    QString const path = Write(QStringLiteral("notes.dat"), data);
+    auto provider = Open(path);
+    ASSERT_TRUE(provider);
+    QString const sidecar = mDir.filePath(QStringLiteral("notes.xmp"));
+    EXPECT_EQ(QString::fromStdU16String(provider->SidecarPath()), sidecar);
+    {
+        MetaDataUpdateAccess access(provider);
+        ASSERT_TRUE(SetValue(V(provider, kDC, "subject"), "memo"));
+        access.AddChange(Path{});
+    }
+    ASSERT_TRUE(provider->Save());
+    EXPECT_EQ(Read(path), data);
+    ASSERT_TRUE(QFileInfo::exists(sidecar));
+    EXPECT_EQ(Text(Open(path), kDC, "subject"), "memo");
+    EXPECT_EQ(Text(Open(sidecar), kDC, "subject"), "memo");
+    if (!Exiftool().isEmpty()) {
+        EXPECT_EQ(ExifRead(sidecar, QStringLiteral("XMP-dc:Subject")), QStringLiteral("memo"));
+    }
+}
+
+TEST_F(FileProviderTest, DamagedFilesAreReadOnlyAndNeverOverwritten)
+{
+    QByteArray const good = Read(FileWithMetadata(QStringLiteral("good.jpg"), ImageBytes("JPG")));
+    int const rdf = good.indexOf("</rdf:RDF>");
+    ASSERT_GT(rdf, 0);
+    QByteArray malformed = good;
+    malformed.replace(rdf, 10, "</rdf:RDX>");
+    QByteArray const truncated = good.left(good.indexOf("Harbour"));
+    QByteArray const emptyFile;
+
+    struct Case {
+        char const *name;
+        QByteArray bytes;
+    } const cases[] = {{"malformed.jpg", malformed}, {"truncated.jpg", truncated}};
+    for (auto const &c : cases) {
+        SCOPED_TRACE(c.name);
+        QString const path = Write(QString::fromLatin1(c.name), c.bytes);
+        ClearErrorInfos();
+        std::string error;
+        auto provider = Open(path, &error);
+        ASSERT_TRUE(provider);
+        EXPECT_FALSE(provider->IsWritable());
+        EXPECT_FALSE(error.empty());
+        ASSERT_FALSE(GetErrorInfos().empty());
+        EXPECT_EQ(GetErrorInfos()[0].mContext, path.toStdString());
+        EXPECT_FALSE(SetValue(V(provider, kXMP, "Rating"), 1));
+        EXPECT_FALSE(provider->AcceptsPath(V(provider, kXMP, "Rating"), true));
+        {
+            // Even a change made on the object directly is not saved.
+            MetaDataUpdateAccess access(provider);
+            provider->GetMeta()->SetProperty(kXMP, "xmp:Label", "x");
+            access.AddChange(Path{});
+        }
+        EXPECT_FALSE(provider->Save(&error));
+        EXPECT_EQ(Read(path), c.bytes);
+    }
+}
+
+TEST_F(FileProviderTest, MissingAndUnreadableFilesGiveNoProvider)
+{
+    std::string error;
+    EXPECT_EQ(Open(mDir.filePath(QStringLiteral("missing.jpg")), &error), nullptr);
+    EXPECT_NE(error.find("does not exist"), std::string::npos);
+    EXPECT_EQ(Open(mDir.path(), &error), nullptr);
+    EXPECT_EQ(GetErrorInfos().size(), 2u);
+}
+
+TEST_F(FileProviderTest, FailedWritesLeaveTheFileAsItWas)
+{
+    // A sidecar that cannot replace what is in its place.
+    QString const data = Write(QStringLiteral("blocked.dat"), QByteArray("bytes"));
+    auto sidecarProvider = Open(data);
+    ASSERT_TRUE(sidecarProvider);
+    QDir(mDir.path()).mkdir(QStringLiteral("blocked.xmp"));
+    ASSERT_TRUE(SetValue(V(sidecarProvider, kDC, "subject"), "x"));
+    std::string error;
+    EXPECT_FALSE(sidecarProvider->Save(&error));
+    EXPECT_TRUE(sidecarProvider->IsModified());
+    EXPECT_TRUE(QFileInfo(mDir.filePath(QStringLiteral("blocked.xmp"))).isDir());
+
+    // A file removed while it was open.
+    QString const gone = FileWithMetadata(QStringLiteral("gone.jpg"), ImageBytes("JPG"));
+    auto goneProvider = Open(gone);
+    QFile::remove(gone);
+    ASSERT_TRUE(SetValue(V(goneProvider, kXMP, "Rating"), 1));
+    ClearErrorInfos();
+    EXPECT_FALSE(goneProvider->Save(&error));
+    EXPECT_EQ(GetErrorInfos().size(), 1u);
+    EXPECT_FALSE(QFileInfo::exists(gone));
+}
+
+TEST_F(FileProviderTest, FilesAndFoldersWithoutPermissionAreRefusedAndKept)
+{
+    if (geteuid() == 0) GTEST_SKIP() << "running as root: file permissions are not enforced";
+    std::string error;
+    QString const locked = Write(QStringLiteral("locked.jpg"), ImageBytes("JPG"));
+    QFile::setPermissions(locked, QFileDevice::Permissions());
+    EXPECT_EQ(Open(locked, &error), nullptr);
+    EXPECT_NE(error.find("permission"), std::string::npos);
+
+    for (bool lockFolder : {false, true}) {
+        SCOPED_TRACE(lockFolder ? "read-only folder" : "read-only file");
+        QDir(mDir.path()).mkdir(QStringLiteral("ro"));
+        QString const path = FileWithMetadata(QStringLiteral("ro/photo%1.jpg").arg(lockFolder), ImageBytes("JPG"));
+        QByteArray const before = Read(path);
+        auto provider = Open(path);
+        ASSERT_TRUE(SetValue(V(provider, kXMP, "Rating"), 1));
+        if (lockFolder)
+            QFile::setPermissions(mDir.filePath(QStringLiteral("ro")), QFileDevice::ReadOwner | QFileDevice::ExeOwner);
+        else
+            QFile::setPermissions(path, QFileDevice::ReadOwner);
+        EXPECT_FALSE(provider->Save(&error));
+        EXPECT_EQ(Read(path), before);
+        QFile::setPermissions(mDir.filePath(QStringLiteral("ro")), QFileDevice::ReadOwner | QFileDevice::WriteOwner |
+                                                                        QFileDevice::ExeOwner);
+    }
+}
+
+TEST_F(FileProviderTest, AWorkingCopyCommittedIntoSeveralFilesIsSavedToEach)
+{
+    QString const first = FileWithMetadata(QStringLiteral("a.jpg"), ImageBytes("JPG"));
+    QString const second = Write(QStringLiteral("b.png"), ImageBytes("PNG"));
+    auto a = Open(first);
+    auto b = Open(second);
+    // Each file is edited through a deep copy, as the editing dialog does.
+    auto copyA = std::make_shared<MemoryMetaDataProvider>(a->GetMeta()->Clone());
+    auto copyB = std::make_shared<MemoryMetaDataProvider>(b->GetMeta()->Clone());
+    auto multi = std::make_shared<MultiMetaDataProvider>(std::vector<std::shared_ptr<MetaDataProvider>>{copyA, copyB});
+    {
+        MetaDataUpdateAccess access(multi);
+        ASSERT_TRUE(SetValue(V(multi, kDC, "creator"), "Ann; Bob"));
+        ASSERT_TRUE(DeleteValue(V(multi, kDC, "title")));
+        access.AddChange(Path{});
+    }
+    EXPECT_FALSE(a->IsModified());
+    for (auto const &[file, copy] : {std::pair{a, copyA}, std::pair{b, copyB}}) {
+        MetaDataUpdateAccess access(file);
+        RemoveProperties(*access.GetMeta(), {}, {}, kUtilDoAllProperties);
+        AppendProperties(*copy->GetMeta(), *access.GetMeta(), kUtilDoAllProperties);
+        access.AddChange(Path{});
+    }
+    ASSERT_TRUE(a->IsModified());
+    ASSERT_TRUE(a->Save());
+    ASSERT_TRUE(b->Save());
+    for (QString const &path : {first, second}) {
+        auto reread = Open(path);
+        EXPECT_EQ(Text(reread, kDC, "creator"), "Ann; Bob");
+        EXPECT_EQ(Text(reread, kDC, "title"), "");
+        if (!Exiftool().isEmpty()) {
+        EXPECT_EQ(ExifRead(path, QStringLiteral("XMP-dc:Creator")), QStringLiteral("Ann, Bob"));
+    }
+    }
+    EXPECT_EQ(Text(Open(first), kDC, "subject"), "boat; sea");
+}
+
+} // namespace
