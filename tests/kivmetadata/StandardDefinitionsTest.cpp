@@ -17,6 +17,7 @@
 #include <QProcess>
 #include <QRegularExpression>
 #include <QStandardPaths>
+#include <QTemporaryDir>
 #include <QXmlStreamReader>
 
 #include <functional>
@@ -652,66 +653,165 @@ TEST_F(StandardDefinitionsTest, ModelLoadsEverySchemaAndResolvesEveryPanelPath)
     kivmetadata::Terminate();
 }
 
-// exiftool knows the value form of every standard property; the definitions
-// must agree with it where both describe the same property.
-TEST_F(StandardDefinitionsTest, FormsAgreeWithExiftool)
-{
-    QString exiftool = QStandardPaths::findExecutable(QStringLiteral("exiftool"));
-    if (exiftool.isEmpty()) GTEST_SKIP() << "exiftool is not installed";
-    QProcess process;
-    process.start(exiftool, {QStringLiteral("-listx"), QStringLiteral("-f"), QStringLiteral("-lang"), QStringLiteral("en")});
-    ASSERT_TRUE(process.waitForFinished(120000));
-    QXmlStreamReader xml(process.readAllStandardOutput());
+// One tag of exiftool's tag list.
+struct ExiftoolTag {
+    QString group, id, name, type, parent, firstValue;
+    QStringList flags;
+};
 
+// exiftool's XMP tags of the schemas defined here, by our prefix.
+std::multimap<QString, ExiftoolTag> ExiftoolTags(QString const &exiftool)
+{
     static std::map<QString, QString> const tableToPrefix{
         {"XMP::dc", "dc"}, {"XMP::xmp", "xmp"}, {"XMP::xmpRights", "xmpRights"}, {"XMP::xmpMM", "xmpMM"},
         {"XMP::photoshop", "photoshop"}, {"XMP::iptcCore", "Iptc4xmpCore"}, {"XMP::iptcExt", "Iptc4xmpExt"},
         {"XMP::exif", "exif"}, {"XMP::exifEX", "exifEX"}, {"XMP::tiff", "tiff"}, {"XMP::aux", "aux"},
         {"XMP::pdf", "pdf"}, {"XMP::crs", "crs"}, {"XMP::xmpDM", "xmpDM"}};
-    int compared = 0;
-    Schema const *schema = nullptr;
+    QProcess process;
+    process.start(exiftool, {QStringLiteral("-listx"), QStringLiteral("-f"), QStringLiteral("-lang"), QStringLiteral("en")});
+    process.waitForFinished(120000);
+    QXmlStreamReader xml(process.readAllStandardOutput());
+    std::multimap<QString, ExiftoolTag> tags;
+    QString prefix, group;
     while (!xml.atEnd()) {
-        if (!xml.readNextStartElement()) continue;
-        if (xml.name() == QStringLiteral("table")) {
-            auto it = tableToPrefix.find(xml.attributes().value(QLatin1String("name")).toString());
-            auto s = it == tableToPrefix.end() ? mByPrefix.end() : mByPrefix.find(it->second);
-            schema = s == mByPrefix.end() ? nullptr : s->second;
-            if (!schema) xml.skipCurrentElement();
-            continue;
-        }
-        if (xml.name() != QStringLiteral("tag") || !schema) continue;
+        if (xml.readNext() != QXmlStreamReader::StartElement) continue;
         auto a = xml.attributes();
-        Def const *d = a.hasAttribute(QLatin1String("struct")) ? nullptr : schema->Find(a.value(QLatin1String("id")).toString());
-        xml.skipCurrentElement();
+        if (xml.name() == QStringLiteral("table")) {
+            auto it = tableToPrefix.find(a.value(QLatin1String("name")).toString());
+            if (it == tableToPrefix.end()) {
+                xml.skipCurrentElement();
+                continue;
+            }
+            prefix = it->second;
+            group = a.value(QLatin1String("g1")).toString();
+        } else if (xml.name() == QStringLiteral("tag")) {
+            ExiftoolTag tag{group, a.value(QLatin1String("id")).toString(), a.value(QLatin1String("name")).toString(),
+                            a.value(QLatin1String("type")).toString(), a.value(QLatin1String("struct")).toString(), {},
+                            a.value(QLatin1String("flags")).toString().split(u',')};
+            while (xml.readNextStartElement()) {
+                if (xml.name() == QStringLiteral("values") && xml.readNextStartElement() && tag.firstValue.isEmpty())
+                    tag.firstValue = xml.attributes().value(QLatin1String("id")).toString();
+                xml.skipCurrentElement();
+            }
+            tags.emplace(prefix, tag);
+        }
+    }
+    return tags;
+}
+
+QString const kRdfNs = QStringLiteral("http://www.w3.org/1999/02/22-rdf-syntax-ns#");
+
+// Walks one property of an XMP packet and checks every struct field met
+// against the definition, whatever the nesting of arrays and structs.
+void CheckFields(QXmlStreamReader &xml, Def const &def, std::string const &where, int &checked)
+{
+    auto check = [&](QString const &ns, QString const &name) -> Def const * {
+        for (auto const &f : def.fields)
+            if (f.ns == ns && f.name == name) {
+                ++checked;
+                return &f;
+            }
+        ADD_FAILURE() << where << ": exiftool writes the field " << ns.toStdString() << name.toStdString()
+                      << " that the definition lacks";
+        return nullptr;
+    };
+    for (auto const &attr : xml.attributes()) {
+        QString ns = attr.namespaceUri().toString();
+        if (!ns.isEmpty() && ns != kRdfNs && ns != QStringLiteral("http://www.w3.org/XML/1998/namespace"))
+            check(ns, attr.name().toString());
+    }
+    while (xml.readNextStartElement()) {
+        if (xml.namespaceUri() == kRdfNs) {
+            CheckFields(xml, def, where, checked);
+        } else if (Def const *f = check(xml.namespaceUri().toString(), xml.name().toString())) {
+            CheckFields(xml, *f, where + "/" + f->name.toStdString(), checked);
+        } else {
+            xml.skipCurrentElement();
+        }
+    }
+}
+
+// exiftool knows the value form of every standard property and writes every
+// struct field in its real namespace; the definitions must agree with it.
+TEST_F(StandardDefinitionsTest, AgreesWithExiftool)
+{
+    QString exiftool = QStandardPaths::findExecutable(QStringLiteral("exiftool"));
+    if (exiftool.isEmpty()) GTEST_SKIP() << "exiftool is not installed";
+    auto tags = ExiftoolTags(exiftool);
+    ASSERT_FALSE(tags.empty());
+
+    int compared = 0;
+    QStringList writes;
+    for (auto const &[prefix, tag] : tags) {
+        Def const *d = tag.parent.isEmpty() ? mByPrefix.at(prefix)->Find(tag.id) : nullptr;
+        if (!tag.parent.isEmpty() && tag.type != QStringLiteral("struct")) {
+            // One value for every struct field, raw (-n) so choices take their code.
+            QString value = !tag.firstValue.isEmpty()                    ? tag.firstValue
+                            : tag.type == QStringLiteral("date")         ? QStringLiteral("2021:06:30 12:00:00")
+                            : tag.type == QStringLiteral("boolean")      ? QStringLiteral("True")
+                            : tag.type == QStringLiteral("rational")     ? QStringLiteral("1/2")
+                            : tag.type == QStringLiteral("integer") || tag.type == QStringLiteral("real") ? QStringLiteral("1")
+                                                                         : QStringLiteral("x");
+            writes << QStringLiteral("-%1:%2=%3").arg(tag.group, tag.name, value);
+        }
         if (!d) continue;
         ++compared;
-        std::string where = schema->prefix.toStdString() + ":" + d->name.toStdString();
-        QStringList flags = a.value(QLatin1String("flags")).toString().split(u',');
-        QString type = a.value(QLatin1String("type")).toString();
-        QString form = flags.contains(QStringLiteral("Bag"))   ? QStringLiteral("bag")
-                       : flags.contains(QStringLiteral("Seq")) ? QStringLiteral("seq")
-                       : flags.contains(QStringLiteral("Alt")) ? QStringLiteral("alt")
-                       : type == QStringLiteral("lang-alt")    ? QStringLiteral("langAlt")
-                       : type == QStringLiteral("struct")      ? QStringLiteral("struct")
-                                                : QStringLiteral("simple");
+        std::string where = prefix.toStdString() + ":" + d->name.toStdString();
+        QString form = tag.flags.contains(QStringLiteral("Bag"))   ? QStringLiteral("bag")
+                       : tag.flags.contains(QStringLiteral("Seq")) ? QStringLiteral("seq")
+                       : tag.flags.contains(QStringLiteral("Alt")) ? QStringLiteral("alt")
+                       : tag.type == QStringLiteral("lang-alt")    ? QStringLiteral("langAlt")
+                       : tag.type == QStringLiteral("struct")      ? QStringLiteral("struct")
+                                                                   : QStringLiteral("simple");
         EXPECT_EQ(d->form, form) << where;
-        if (type == QStringLiteral("struct")) {
+        if (tag.type == QStringLiteral("struct")) {
             EXPECT_TRUE(d->HasStructValue()) << where;
         }
-        if (type == QStringLiteral("date")) {
+        if (tag.type == QStringLiteral("date")) {
             EXPECT_EQ(d->typeId, QStringLiteral("date")) << where;
         }
-        if (type == QStringLiteral("rational")) {
+        if (tag.type == QStringLiteral("rational")) {
             EXPECT_EQ(d->typeId, QStringLiteral("rational")) << where;
         }
-        if (type == QStringLiteral("boolean")) {
-            EXPECT_EQ(d->type, QStringLiteral("boolean")) << where;
-        }
-        if (type == QStringLiteral("real")) {
-            EXPECT_EQ(d->type, QStringLiteral("real")) << where;
+        if (tag.type == QStringLiteral("boolean") || tag.type == QStringLiteral("real")) {
+            EXPECT_EQ(d->type, tag.type) << where;
         }
     }
     EXPECT_GT(compared, 300);
+
+    // A sidecar written by exiftool with every struct field set shows the
+    // namespace of each field.
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    QString sidecar = dir.filePath(QStringLiteral("fields.xmp")), args = dir.filePath(QStringLiteral("args.txt"));
+    QFile argFile(args);
+    ASSERT_TRUE(argFile.open(QIODevice::WriteOnly));
+    argFile.write((QStringList{QStringLiteral("-n"), QStringLiteral("-m"), QStringLiteral("-o"), sidecar} + writes).join(u'\n').toUtf8());
+    argFile.close();
+    QProcess process;
+    process.start(exiftool, {QStringLiteral("-@"), args});
+    ASSERT_TRUE(process.waitForFinished(120000));
+    QFile file(sidecar);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << process.readAllStandardError().toStdString();
+
+    std::map<QString, Schema const *> byNamespace;
+    for (auto const &s : mSchemas) byNamespace[s.ns] = &s;
+    QXmlStreamReader xml(&file);
+    int checked = 0;
+    while (!xml.atEnd()) {
+        if (xml.readNext() != QXmlStreamReader::StartElement) continue;
+        // Descend into x:xmpmeta, rdf:RDF and rdf:Description.
+        if (xml.namespaceUri() == kRdfNs || xml.namespaceUri() == QStringLiteral("adobe:ns:meta/")) continue;
+        auto schema = byNamespace.find(xml.namespaceUri().toString());
+        Def const *d = schema == byNamespace.end() ? nullptr : schema->second->Find(xml.name().toString());
+        if (d && d->HasStructValue()) {
+            CheckFields(xml, *d, schema->second->prefix.toStdString() + ":" + d->name.toStdString(), checked);
+        } else {
+            xml.skipCurrentElement();
+        }
+    }
+    EXPECT_FALSE(xml.hasError()) << xml.errorString().toStdString();
+    EXPECT_GT(checked, 100);
 }
 
 } // namespace
