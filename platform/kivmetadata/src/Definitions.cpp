@@ -517,26 +517,31 @@ int LoadSchemaDefinitionsFromFolder(std::u16string const &folder, bool custom)
     QDir dir(ToQString(folder));
     int count = 0;
     QStringList const names = dir.entryList({QStringLiteral("*.xml")}, QDir::Files | QDir::Readable, QDir::Name);
+    struct File {
+        QString path;
+        std::string bytes;
+    };
+    std::vector<File> schemas;
     // Types first: schemas take the primitive type of their type ids.
     for (QString const &name : names) {
-        std::string bytes, error;
-        QString const path = dir.filePath(name);
-        if (!ReadWholeFile(path, bytes, &error)) {
-            AddErrorInfo("The definition file could not be read: " + error + ".", path.toStdString());
+        File file{dir.filePath(name), {}};
+        std::string error;
+        if (!ReadWholeFile(file.path, file.bytes, &error)) {
+            AddErrorInfo("The definition file could not be read: " + error + ".", file.path.toStdString());
             continue;
         }
-        if (bytes.find("<types") != std::string::npos && bytes.find("<schema") == std::string::npos)
-            LoadTypeDefinitions(bytes, path.toStdString());
+        bool const isTypes = file.bytes.find("<types") != std::string::npos &&
+                             file.bytes.find("<schema") == std::string::npos;
+        if (isTypes)
+            LoadTypeDefinitions(file.bytes, file.path.toStdString());
+        else
+            schemas.push_back(std::move(file));
     }
-    for (QString const &name : names) {
-        std::string bytes, error;
-        QString const path = dir.filePath(name);
-        if (!ReadWholeFile(path, bytes, &error)) continue;
-        if (bytes.find("<types") != std::string::npos && bytes.find("<schema") == std::string::npos) continue;
-        auto schema = ParseSchemaDefinition(bytes, ToU16(path));
+    for (auto const &file : schemas) {
+        auto schema = ParseSchemaDefinition(file.bytes, ToU16(file.path));
         if (!schema) continue;
-        if (custom) schema->mFilePath = ToU16(path);
-        if (RegisterSchemaDefinition(schema, path.toStdString(), false)) ++count;
+        if (custom) schema->mFilePath = ToU16(file.path);
+        if (RegisterSchemaDefinition(schema, file.path.toStdString(), false)) ++count;
     }
     return count;
 }
