@@ -341,7 +341,7 @@ TEST_F(StandardDefinitionsTest, EveryStandardFileIsPresentAndCompiledIn)
     for (auto const &s : mSchemas) prefixes.insert(s.prefix);
     for (auto const &p : mPanels) panels.insert(p.name);
     for (char const *prefix : {"dc", "xmp", "xmpRights", "xmpMM", "photoshop", "Iptc4xmpCore", "Iptc4xmpExt", "exif",
-                               "exifEX", "tiff", "aux", "pdf", "crs", "xmpDM"})
+                               "exifEX", "tiff", "aux", "pdf", "crs", "xmpDM", "plus"})
         EXPECT_TRUE(prefixes.count(QString::fromUtf8(prefix))) << "missing schema " << prefix;
     for (char const *name :
          {"Description", "IPTCCore", "IPTCExtension", "CameraData", "GPSData", "Origin", "Rights", "AudioVideo"})
@@ -666,7 +666,7 @@ std::multimap<QString, ExiftoolTag> ExiftoolTags(QString const &exiftool)
         {"XMP::dc", "dc"}, {"XMP::xmp", "xmp"}, {"XMP::xmpRights", "xmpRights"}, {"XMP::xmpMM", "xmpMM"},
         {"XMP::photoshop", "photoshop"}, {"XMP::iptcCore", "Iptc4xmpCore"}, {"XMP::iptcExt", "Iptc4xmpExt"},
         {"XMP::exif", "exif"}, {"XMP::exifEX", "exifEX"}, {"XMP::tiff", "tiff"}, {"XMP::aux", "aux"},
-        {"XMP::pdf", "pdf"}, {"XMP::crs", "crs"}, {"XMP::xmpDM", "xmpDM"}};
+        {"XMP::pdf", "pdf"}, {"XMP::crs", "crs"}, {"XMP::xmpDM", "xmpDM"}, {"PLUS::XMP", "plus"}};
     QProcess process;
     process.start(exiftool, {QStringLiteral("-listx"), QStringLiteral("-f"), QStringLiteral("-lang"), QStringLiteral("en")});
     process.waitForFinished(120000);
