@@ -6,6 +6,7 @@
 #include <kivmetadata/SchemaDefinition.h>
 #include <kivmetadata/TypeDefinition.h>
 #include <kivmetadata/UserFolders.h>
+#include <kivmetadata/XMPMeta.h>
 
 #include <kivcore/Assert.h>
 #include <kivcore/FileUtils.h>
@@ -86,6 +87,11 @@ TEST_F(PathAndDefinitionsTest, PathsAreBuiltWithTheToolkitsPrefixesAndOrderTotal
     EXPECT_EQ(PathForSchemaNameAndPropertyName(kDC, "subject"), (Path{kDC, "dc:subject"}));
     EXPECT_EQ(PathForSchemaNameAndPropertyName(kDC, "dc:subject"), (Path{kDC, "dc:subject"}));
     EXPECT_EQ(CreatePathFromArrayItem(Path{kDC, "dc:subject"}, 2), (Path{kDC, "dc:subject[2]"}));
+    // A namespace nobody declared still gives a path the toolkit can write.
+    Path const odd = PathForSchemaNameAndPropertyName("http://undeclared.example/", "Thing");
+    EXPECT_GT(odd.mPath.find(":Thing"), 0u);
+    XMPMeta meta;
+    EXPECT_TRUE(meta.SetProperty(odd.mNamespace, odd.mPath, "v"));
     auto schema = NamespaceDefinition(kTest);
     ASSERT_TRUE(schema);
     EXPECT_EQ(CreatePathFromSchemaProperty(*schema, *schema->FindProperty("Count")), P("tst:Count"));

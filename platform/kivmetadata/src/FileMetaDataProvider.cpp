@@ -181,8 +181,8 @@ bool FileMetaDataProvider::Save(std::string *error)
     if (!xmp_files_can_put_xmp(file.get(), handle)) {
         int const code = xmp_get_error();
         file.reset();
-        return Fail(error, "The metadata does not fit into this file (" + XmpErrorText(code) + "); it was not saved.",
-                    d->mPathUtf8);
+        std::string const why = code == 0 ? "it needs more room than the file's packet has" : XmpErrorText(code);
+        return Fail(error, "The metadata does not fit into this file (" + why + "); it was not saved.", d->mPathUtf8);
     }
     if (!xmp_files_put_xmp(file.get(), handle)) {
         int const code = xmp_get_error();

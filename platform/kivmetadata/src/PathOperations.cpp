@@ -85,6 +85,9 @@ std::string PrefixFor(std::string const &ns)
     std::string prefix = XMPMeta::PrefixForNamespace(ns);
     if (prefix.empty())
         if (auto schema = NamespaceDefinition(ns)) prefix = schema->mPrefix;
+    // A namespace nobody declared gets a prefix of the toolkit's choosing, so
+    // that its paths can still be written.
+    if (prefix.empty() && !ns.empty()) XMPMeta::RegisterNamespace(ns, "ns", &prefix);
     return prefix;
 }
 
