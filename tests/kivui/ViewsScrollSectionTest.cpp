@@ -1,1 +1,227 @@
+#include <kivui/UI_ScrollBar.h>
+#include <kivui/UI_ScrollView.h>
+#include <kivui/UI_SectionView.h>
+#include <kivui/drawbot/QtSupplier.h>
+
 #include <gtest/gtest.h>
+
+#include <deque>
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QStyle>
+#include <QTest>
+
+using kivcore::PointF;
+using kivcore::RectF;
+using kivcore::utility::IntrusivePtr;
+using kivui::UI_ScrollView;
+using kivui::UI_SectionView;
+
+namespace {
+
+void Settle()
+{
+    for (int i = 0; i < 5; ++i) QApplication::processEvents();
+}
+
+// Sends a key press and release; every event lives at its own address until
+// the end of the test, as events coming from the window system would not
+// share one.
+void PressKey(QWidget *inWidget, Qt::Key inKey)
+{
+    static std::deque<QKeyEvent> events;
+    events.emplace_back(QEvent::KeyPress, inKey, Qt::NoModifier);
+    QApplication::sendEvent(inWidget, &events.back());
+    events.emplace_back(QEvent::KeyRelease, inKey, Qt::NoModifier);
+    QApplication::sendEvent(inWidget, &events.back());
+}
+
+class ScrollViewTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        view = IntrusivePtr<UI_ScrollView>(new UI_ScrollView);
+        view->UI_SetLocalRectF(RectF{0, 0, 200, 100});
+        view->UI_Show(true);
+        view->UI_GetWidget()->show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(view->UI_GetWidget()));
+    }
+
+    QScrollArea *area() const { return static_cast<QScrollArea *>(view->UI_GetWidget()); }
+
+    IntrusivePtr<UI_ScrollView> view;
+};
+
+TEST_F(ScrollViewTest, ContentRectDrivesTheScrollRangeAndFollowsTheWidth)
+{
+    auto content = view->GetContentView();
+    ASSERT_TRUE(content);
+    EXPECT_EQ(content->UI_GetParent(), view.get());
+    EXPECT_EQ(content->UI_GetLocalRectF(false).width, 200.0f); // no scroll bar yet
+
+    view->SetContentRect(RectF{0, 0, 200, 500});
+    view->Update();
+    Settle();
+    float const bar = kivui::UI_ScrollBar::GetDefaultSize();
+    EXPECT_EQ(bar, float(QApplication::style()->pixelMetric(QStyle::PM_ScrollBarExtent)));
+    EXPECT_GT(bar, 0.0f);
+    // The vertical bar took its share of the width, and the content follows.
+    EXPECT_EQ(content->UI_GetLocalRectF(false), (RectF{0, 0, 200 - bar, 500}));
+    EXPECT_EQ(area()->verticalScrollBar()->maximum(), 400);
+    EXPECT_EQ(area()->horizontalScrollBar()->maximum(), 0);
+
+    view->UI_SetLocalRectF(RectF{0, 0, 300, 100});
+    Settle();
+    EXPECT_EQ(content->UI_GetLocalRectF(false).width, 300 - bar);
+
+    // A fixed content width is kept when the view stops following.
+    view->SetContentFollowsWidth(false);
+    view->SetContentRect(RectF{0, 0, 400, 500});
+    view->UI_SetLocalRectF(RectF{0, 0, 250, 100});
+    Settle();
+    EXPECT_EQ(content->UI_GetLocalRectF(false).width, 400.0f);
+    EXPECT_GT(area()->horizontalScrollBar()->maximum(), 0);
+    EXPECT_EQ(view->GetContentRect(), (RectF{0, 0, 400, 500}));
+}
+
+TEST_F(ScrollViewTest, ScrollIntoViewMovesOnlyAsFarAsNeeded)
+{
+    view->SetContentRect(RectF{0, 0, 200, 1000});
+    Settle();
+    float const page = view->GetVisibleContentRect().height;
+    ASSERT_EQ(page, 100.0f);
+
+    struct Case {
+        float startY;
+        RectF rect;
+        bool minimal;
+        float expectedY;
+    };
+    Case const cases[] = {
+        {0, {0, 10, 50, 20}, true, 0},       // already visible
+        {0, {0, 300, 50, 20}, true, 220},    // below: its bottom reaches the bottom
+        {500, {0, 300, 50, 20}, true, 300},  // above: its top reaches the top
+        {0, {0, 300, 50, 250}, true, 300},   // taller than the page: the top wins
+        {0, {0, 300, 50, 20}, false, 300},   // not minimal: top goes to the top
+        {0, {0, 990, 50, 20}, false, 900},   // clamped at the end of the content
+        {0, {0, 320, 50, -20}, true, 220},   // a rect of negative height is normalised
+    };
+    for (Case const &c : cases) {
+        view->SetScrollPosition(PointF{0, c.startY});
+        view->ScrollIntoView(c.rect, c.minimal);
+        EXPECT_EQ(view->GetScrollPosition().y, c.expectedY) << c.rect.y << " " << c.minimal;
+    }
+    // The content view moves with the scrolling.
+    EXPECT_EQ(view->GetContentView()->UI_GetWidget()->y(), -220);
+}
+
+TEST(ScrollBarTest, WrapsAQtScrollBar)
+{
+    IntrusivePtr<kivui::UI_ScrollBar> bar(new kivui::UI_ScrollBar(false));
+    bar->SetRange(0, 50);
+    bar->SetPageStep(10);
+    bar->SetValue(70);
+    EXPECT_EQ(bar->GetValue(), 50);
+    EXPECT_EQ(bar->GetScrollBar()->orientation(), Qt::Horizontal);
+}
+
+// Counts the state changes that reach the protected hook.
+class CountingSection : public UI_SectionView {
+public:
+    int calls = 0;
+
+protected:
+    void DoSetOpened(bool inOpened) override
+    {
+        ++calls;
+        UI_SectionView::DoSetOpened(inOpened);
+    }
+};
+
+class SectionViewTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        section = IntrusivePtr<CountingSection>(new CountingSection);
+        section->UI_SetDrawSupplier(&supplier);
+        section->SetHeaderText(u"Section");
+        section->UI_SetLocalRectF(RectF{0, 0, 200, 120});
+        section->UI_Show(true);
+        section->UI_GetWidget()->show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(section->UI_GetWidget()));
+    }
+
+    kivui::drawbot::QtSupplier supplier;
+    IntrusivePtr<CountingSection> section;
+};
+
+TEST_F(SectionViewTest, FrameFitsContentBelowTheHeader)
+{
+    EXPECT_EQ(UI_SectionView::kDefaultHeaderHeight, 20.0f);
+    EXPECT_TRUE(section->IsOpened());
+    EXPECT_EQ(section->FrameSizeForContentSize(PointF{180, 50}), (PointF{180, 70}));
+    EXPECT_EQ(section->GetContentView()->UI_GetLocalRectF(true), (RectF{0, 20, 200, 100}));
+    EXPECT_EQ(section->GetContentView()->UI_GetParent(), section.get());
+
+    // As a section-view layout delegate sizes it.
+    PointF const frame = section->FrameSizeForContentSize(PointF{150, 40});
+    section->UI_SetLocalRectF(RectF{0, 0, frame.x, frame.y});
+    EXPECT_EQ(section->GetContentView()->UI_GetLocalRectF(true), (RectF{0, 20, 150, 40}));
+
+    section->SetOpened(false);
+    EXPECT_EQ(section->FrameSizeForContentSize(PointF{150, 40}), (PointF{150, 20}));
+    EXPECT_FALSE(section->GetContentView()->UI_IsShown());
+
+    section->SetHeaderHeight(24.0f);
+    EXPECT_EQ(section->FrameSizeForContentSize(PointF{150, 40}), (PointF{150, 24}));
+    EXPECT_EQ(section->GetContentView()->UI_GetLocalRectF(true).y, 24.0f);
+    EXPECT_EQ(section->GetDisclosureRect().y, 7.0f); // centred, rounded down
+}
+
+TEST_F(SectionViewTest, OpeningGoesThroughTheHookOnlyOnChange)
+{
+    std::vector<bool> reported;
+    section->SetOpenedChangedFxn([&](UI_SectionView &view, bool opened) {
+        EXPECT_EQ(&view, section.get());
+        reported.push_back(opened);
+    });
+    section->SetOpened(true);
+    EXPECT_EQ(section->calls, 0);
+    section->SetOpened(false);
+    section->SetOpened(false);
+    section->SetOpened(true);
+    EXPECT_EQ(section->calls, 2);
+    EXPECT_EQ(reported, (std::vector<bool>{false, true}));
+}
+
+TEST_F(SectionViewTest, HeaderClicksAndKeysToggle)
+{
+    QWidget *widget = section->UI_GetWidget();
+    QTest::mouseClick(widget, Qt::LeftButton, {}, QPoint(50, 10));
+    EXPECT_FALSE(section->IsOpened());
+    QTest::mouseClick(widget, Qt::LeftButton, {}, QPoint(50, 10));
+    EXPECT_TRUE(section->IsOpened());
+    // A click below the header belongs to the content.
+    QTest::mouseClick(widget, Qt::LeftButton, {}, QPoint(50, 60));
+    EXPECT_TRUE(section->IsOpened());
+    EXPECT_EQ(section->calls, 2);
+
+    widget->setFocus();
+    QTest::keyClick(widget, Qt::Key_Space);
+    EXPECT_FALSE(section->IsOpened());
+    PressKey(widget, Qt::Key_Right);
+    EXPECT_TRUE(section->IsOpened());
+    PressKey(widget, Qt::Key_Left);
+    EXPECT_FALSE(section->IsOpened());
+
+    // The header is painted: the closed triangle in the text colour.
+    QImage const image = widget->grab().toImage();
+    RectF const tri = section->GetDisclosureRect();
+    EXPECT_NE(image.pixelColor(int(tri.x + tri.width * 0.45f), int(tri.y + tri.height * 0.5f)),
+              image.pixelColor(int(tri.x + tri.width * 0.45f), int(tri.y - 3)));
+}
+
+} // namespace

@@ -279,6 +279,8 @@ MultiColumnTreeView::MultiColumnTreeView()
     header()->setSectionsMovable(false);
     header()->setSortIndicatorShown(false);
     header()->setStretchLastSection(true);
+    // Explicit column widths are taken as given, however narrow.
+    header()->setMinimumSectionSize(1);
 }
 
 void MultiColumnTreeView::SetGridLines(bool inOn)
