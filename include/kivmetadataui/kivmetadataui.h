@@ -13,3 +13,4 @@
 #include <kivmetadataui/TableLayoutDelegate.h>
 #include <kivmetadataui/MetadataProviderWrapper.h>
 #include <kivmetadataui/ModuleInfo.h>
+#include <kivmetadataui/MetadataLayoutView.h>

@@ -1,14 +1,12 @@
 #include <kivmetadataui/TableLayout.h>
 
+#include <kivmetadataui/Control.h>
+
 #include <kivcore/Assert.h>
 #include <kivcore/Exceptions.h>
 #include <kivui/UI_LayoutBinding.h>
 #include <kivui/UI_SubView.h>
 
-#if __has_include(<kivmetadataui/Control.h>)
-#include <kivmetadataui/Control.h>
-#define KIV_HAVE_CONTROL 1
-#endif
 
 #include <algorithm>
 #include <cmath>
@@ -67,9 +65,7 @@ LayoutItem::LayoutItem(std::shared_ptr<Control> const &inControlPtr)
     : mControl(inControlPtr)
 {
     KIV_ASSERT(kUnit, "kivmetadataui::layout::LayoutItem::LayoutItem", inControlPtr);
-#ifdef KIV_HAVE_CONTROL
     if (inControlPtr) mView = inControlPtr->GetView();
-#endif
     Require(mView);
 }
 
