@@ -5,6 +5,7 @@
 #include <kivui/UI_NodeManager.h>
 #include <kivui/UI_Node.h>
 #include <kivui/drawbot/Drawbot.h>
+#include <kivui/drawbot/QtSupplier.h>
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -24,8 +25,12 @@ PointF ToPoint(QPointF p) { return PointF{float(p.x()), float(p.y())}; }
 
 void NodeWidget::paintEvent(QPaintEvent *)
 {
-    drawbot::SupplierInterface *supplier = mNode->UI_GetDrawSupplier();
-    if (!supplier) return;
+    drawbot::SupplierInterface const *supplier = mNode->UI_GetDrawSupplier();
+    if (!supplier) {
+        // Not attached to a supplier yet: draw with the application's fonts.
+        static drawbot::QtSupplier const fallback;
+        supplier = &fallback;
+    }
     QPainter painter(this);
     drawbot::Drawbot drawbot(*supplier, painter);
     NodeKeepAlive keep(mNode);
