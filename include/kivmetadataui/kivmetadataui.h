@@ -14,3 +14,4 @@
 #include <kivmetadataui/MetadataProviderWrapper.h>
 #include <kivmetadataui/ModuleInfo.h>
 #include <kivmetadataui/MetadataLayoutView.h>
+#include <kivmetadataui/UI_DateTextEdit.h>

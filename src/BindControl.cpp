@@ -1,0 +1,583 @@
+#include <kivmetadataui/BindControl.h>
+
+#include "ControlFactory_p.h"
+
+#include <kivmetadataui/DateTimeString.h>
+#include <kivmetadataui/UI_DateTextEdit.h>
+
+#include <kivcore/Assert.h>
+#include <kivcore/Localizer.h>
+#include <kivcore/StringUtils.h>
+#include <kivmetadata/DateTime.h>
+#include <kivmetadata/Definitions.h>
+#include <kivmetadata/MRULists.h>
+#include <kivmetadata/MetaDataProvider.h>
+#include <kivmetadata/MetaDataReadAccess.h>
+#include <kivmetadata/MetaDataUpdateAccess.h>
+#include <kivmetadata/PathOperations.h>
+#include <kivmetadata/PropertyDefinition.h>
+#include <kivmetadata/TypeDefinition.h>
+#include <kivmetadata/Value.h>
+#include <kivmetadata/ValueAccess.h>
+#include <kivui/Message.h>
+#include <kivui/UI_AutoCompleteTextEdit.h>
+#include <kivui/UI_Checkbox.h>
+#include <kivui/UI_DragableTextEdit.h>
+#include <kivui/UI_HotTextNumber.h>
+#include <kivui/UI_Popup.h>
+#include <kivui/UI_StarRating.h>
+#include <kivui/UI_StaticText.h>
+#include <kivui/UI_TextEdit.h>
+#include <kivui/UI_URLEdit.h>
+
+#include <QVariant>
+#include <QWidget>
+
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <string>
+#include <vector>
+
+namespace kivmetadataui {
+namespace {
+
+using kivcore::config::Localizer;
+using kivcore::utility::Utf16ToUtf8;
+using kivcore::utility::Utf8ToUtf16;
+using kivmetadata::GetValueResult;
+using kivmetadata::MetaDataReadAccess;
+using kivmetadata::MetaDataUpdateAccess;
+using kivmetadata::Path;
+using kivmetadata::Value;
+
+constexpr char kUnit[] = "src/BindControl";
+constexpr char kEditTextMultipleValues[] =
+    "$$$/kivmetadataui/UpdateControl/EditText/MultipleValuesDisplayString=<Multiple Values>";
+constexpr char kStaticTextMultipleValues[] =
+    "$$$/kivmetadataui/UpdateControl/StaticText/MultipleValuesDisplayString=<Multiple Values>";
+constexpr char kDublinCore[] = "http://purl.org/dc/elements/1.1/";
+// Marks a text control whose multiple-values handler is installed.
+constexpr char kHandlerInstalledProperty[] = "kivMultipleValuesHandler";
+
+// Text modes of the toolkit's static text.
+constexpr int kTextModePlain = 2;
+constexpr int kTextModeAddress = 3;
+
+std::string LocalName(std::string const &inPath)
+{
+    const auto colon = inPath.find(':');
+    return colon == std::string::npos ? inPath : inPath.substr(colon + 1);
+}
+
+bool IsSubjectOrCreator(Path const &inPath)
+{
+    if (inPath.mNamespace != kDublinCore) return false;
+    const std::string name = LocalName(inPath.mPath);
+    return name == "subject" || name == "creator";
+}
+
+GetValueResult ReadString(Value const &inValue, std::string &outText)
+{
+    GetValueResult result = kivmetadata::kGetValueResult_Unreadable;
+    if (!inValue.mProvider) return result;
+    MetaDataReadAccess access(inValue.mProvider);
+    kivmetadata::GetValue(inValue, outText, result);
+    return result;
+}
+
+// The text shown for several differing values. For the Dublin Core subject
+// and creator the union of every asset's items is shown instead, when the
+// provider offers one in the transient namespace.
+std::u16string MultipleValuesText(Value const &inValue, char const *inKey)
+{
+    if (IsSubjectOrCreator(inValue.mPath) && inValue.mProvider) {
+        std::string own;
+        ReadString(inValue, own);
+        const Value transient{inValue.mNotEditable,
+                              kivmetadata::PathForSchemaNameAndPropertyName(kivmetadata::kTransientNamespace,
+                                                                            LocalName(inValue.mPath.mPath)),
+                              inValue.mProvider};
+        std::string united;
+        ReadString(transient, united);
+        if (!united.empty()) return Utf8ToUtf16(united);
+    }
+    return Localizer::Localize(inKey);
+}
+
+// Statuses 0 and 1 leave the control restricted, 2 leaves it free; the
+// second call decides.
+void ApplyStatus(Value const &inValue, kivui::UI_ControlView &inControl, GetValueResult inResult)
+{
+    const ControlStatus status = QueryControlStatus(inValue);
+    inControl.SetDisabled(status == kControlStatus_Disabled);
+    if (status != kControlStatus_Disabled) inControl.SetDisabled(status == kControlStatus_ReadOnly);
+    inControl.UI_Show(QueryVisibilityStatus(inValue, inResult));
+}
+
+// Begin editing a text that shows several values: what follows the
+// "<Multiple Values>" text in the placeholder becomes the value to edit.
+void OnTextEditInteraction(kivui::Message *inMessage)
+{
+    auto *changed = dynamic_cast<kivui::UI_InteractiveControlChangedMessage *>(inMessage);
+    if (!changed) return;
+    auto *edit = dynamic_cast<kivui::UI_TextEdit *>(changed->GetSource());
+    if (!edit) return;
+    if (changed->GetChangeMessage() == kivui::UI_InteractiveControlChangedMessage::kBeginEditing) {
+        const std::u16string multiple = Localizer::Localize(kEditTextMultipleValues);
+        std::u16string const &unknown = edit->GetUnknownStateText();
+        // Only a remainder is put in: the begin may come with the first typed
+        // character, which must survive.
+        if (unknown.size() > multiple.size() && unknown.compare(0, multiple.size(), multiple) == 0)
+            edit->SetValue(unknown.substr(multiple.size()), false);
+    } else if (changed->GetChangeMessage() == kivui::UI_InteractiveControlChangedMessage::kEndEditing) {
+        edit->SetUnknownStateText(std::u16string());
+    }
+}
+
+void InstallMultipleValuesHandler(kivui::UI_TextEdit &inControl)
+{
+    QWidget *widget = inControl.UI_GetWidget();
+    if (!widget || widget->property(kHandlerInstalledProperty).toBool()) return;
+    widget->setProperty(kHandlerInstalledProperty, true);
+    inControl.NotifyWhenChangedInteractively(
+        std::make_shared<std::function<void(kivui::Message *)>>(&OnTextEditInteraction));
+}
+
+void UpdateTextControl(Value const &inValue, kivui::UI_TextEdit &inControl)
+{
+    std::string text;
+    const GetValueResult result = ReadString(inValue, text);
+    if (result == kivmetadata::kGetValueResult_SeveralValues) {
+        if (!inControl.IsEditing()) {
+            inControl.SetValue(std::u16string(), false);
+            inControl.SetUnknownStateText(MultipleValuesText(inValue, kEditTextMultipleValues));
+            inControl.SetValueUnknown(true);
+        }
+    } else {
+        inControl.SetValue(result == kivmetadata::kGetValueResult_OneValue ? Utf8ToUtf16(text) : std::u16string(),
+                           false);
+    }
+    InstallMultipleValuesHandler(inControl);
+    ApplyStatus(inValue, inControl, result);
+}
+
+// Runs one write inside an update access and records the change when it
+// took effect; write failures are silent.
+template <typename Write>
+void WriteBack(Value const &inValue, Write &&inWrite)
+{
+    if (!inValue.mProvider) return;
+    MetaDataUpdateAccess access(inValue.mProvider);
+    if (inWrite()) access.AddChange(inValue.mPath);
+}
+
+void UpdateTextValue(Value const &inValue, kivui::UI_TextEdit const &inControl)
+{
+    const std::u16string text = inControl.GetValue();
+    const bool remove = inControl.IsValueUnknown() || text.empty();
+    WriteBack(inValue, [&] {
+        return remove ? kivmetadata::DeleteValue(inValue) : kivmetadata::SetValue(inValue, Utf16ToUtf8(text));
+    });
+}
+
+// The items of a text as the metadata model splits arrays.
+std::vector<std::u16string> EntriesOfText(Value const &inValue, std::u16string const &inText)
+{
+    const auto primitiveType = kivmetadata::PrimitiveTypeOfPath(inValue.mPath);
+    const bool isArray = primitiveType && (*primitiveType == kivmetadata::kPrimitiveType_TextBag ||
+                                           *primitiveType == kivmetadata::kPrimitiveType_TextSeq);
+    std::vector<std::u16string> entries;
+    if (!isArray) {
+        entries.push_back(kivcore::utility::Trim(inText));
+        return entries;
+    }
+    std::size_t start = 0;
+    while (start <= inText.size()) {
+        std::size_t end = inText.find(u';', start);
+        if (end == std::u16string::npos) end = inText.size();
+        std::u16string item = kivcore::utility::Trim(std::u16string_view(inText).substr(start, end - start));
+        if (!item.empty()) entries.push_back(std::move(item));
+        start = end + 1;
+    }
+    return entries;
+}
+
+} // namespace
+
+// ---------------------------------------------------------------- status
+
+ControlStatus QueryControlStatus(Value const &inValue, std::optional<ControlDisplayParameter> inDisplay)
+{
+    enum ReasonToDisable { kNone = 0, kNotEditable = 1, kRefusedByProvider = 2, kUnsupported = 3, kNoProvider = 4 };
+    ReasonToDisable reason = kNone;
+    if (!inValue.mProvider) reason = kNoProvider;
+    else if (inValue.mNotEditable) reason = kNotEditable;
+    else if (!inValue.mProvider->AcceptsPath(inValue, true)) reason = kRefusedByProvider;
+    else if (!IsPropertySupportedForWriting(inValue.mPath)) reason = kUnsupported;
+
+    if (kivmetadata::IsAllMetadataForcedWritable()) return kControlStatus_Editable;
+    switch (reason) {
+    case kNone:
+        return inDisplay && *inDisplay ? kControlStatus_ReadOnly : kControlStatus_Editable;
+    case kNotEditable:
+    case kRefusedByProvider:
+        return inDisplay ? kControlStatus_ReadOnly : kControlStatus_Disabled;
+    case kUnsupported:
+    case kNoProvider:
+        return kControlStatus_Disabled;
+    }
+    KIV_ASSERT_MSG(kUnit, "kivmetadataui::QueryControlStatus", false, "Unhandled ReasonToDisable");
+    return kControlStatus_Disabled;
+}
+
+bool QueryVisibilityStatus(Value const &inValue, GetValueResult inResult)
+{
+    if (inResult == kivmetadata::kGetValueResult_OneValue || inResult == kivmetadata::kGetValueResult_SeveralValues)
+        return true;
+    return inValue.mProvider && inValue.mProvider->AcceptsPath(inValue, false);
+}
+
+// ---------------------------------------------------------------- UpdateControl
+
+void UpdateControl(Value const &inValue, ControlPtr<kivui::UI_AutoCompleteTextEdit> const &inControl)
+{
+    if (inControl) UpdateTextControl(inValue, *inControl);
+}
+
+void UpdateControl(Value const &inValue, ControlPtr<kivui::UI_TextEdit> const &inControl)
+{
+    if (inControl) UpdateTextControl(inValue, *inControl);
+}
+
+void UpdateControl(Value const &inValue, ControlPtr<kivui::UI_URLEdit> const &inControl)
+{
+    if (inControl) UpdateTextControl(inValue, *inControl);
+}
+
+void UpdateControl(Value const &inValue, ControlPtr<kivui::UI_DragableTextEdit> const &inControl)
+{
+    if (inControl) UpdateTextControl(inValue, *inControl);
+}
+
+void UpdateControl(Value const &inValue, ControlPtr<kivui::UI_Checkbox> const &inControl)
+{
+    if (!inControl) return;
+    bool checked = false;
+    GetValueResult result = kivmetadata::kGetValueResult_Unreadable;
+    if (inValue.mProvider) {
+        MetaDataReadAccess access(inValue.mProvider);
+        kivmetadata::GetValue(inValue, checked, result);
+    }
+    if (result == kivmetadata::kGetValueResult_OneValue)
+        inControl->SetValue(checked ? kivui::UI_Checkbox::kChecked : kivui::UI_Checkbox::kUnchecked);
+    else
+        inControl->SetValue(kivui::UI_Checkbox::kMixed);
+    ApplyStatus(inValue, *inControl, result);
+}
+
+void UpdateControl(Value const &inValue, ControlPtr<UI_DateTextEdit> const &inControl)
+{
+    if (!inControl) return;
+    std::string text;
+    const GetValueResult result = ReadString(inValue, text);
+    if (result == kivmetadata::kGetValueResult_SeveralValues) {
+        if (!inControl->IsEditing()) {
+            inControl->SetValue(std::u16string());
+            inControl->SetUnknownStateText(MultipleValuesText(inValue, kStaticTextMultipleValues));
+            inControl->SetValueUnknown(true);
+        }
+    } else if (!inControl->IsEditing()) {
+        inControl->SetValue(result == kivmetadata::kGetValueResult_OneValue ? Utf8ToUtf16(text) : std::u16string());
+    }
+    ApplyStatus(inValue, *inControl, result);
+}
+
+void UpdateControl(Value const &inValue, ControlPtr<kivui::UI_StaticText> const &inControl)
+{
+    if (!inControl) return;
+    std::string text;
+    const GetValueResult result = ReadString(inValue, text);
+    const auto definition = kivmetadata::PathEntryDefinition(inValue.mPath);
+    const bool address = definition && (definition->mTypeId == "uri" || definition->mTypeId == "url" ||
+                                        definition->mTypeId == "xpath");
+    inControl->SetTextMode(address ? kTextModeAddress : kTextModePlain);
+    if (result == kivmetadata::kGetValueResult_SeveralValues) {
+        inControl->SetText(MultipleValuesText(inValue, kStaticTextMultipleValues));
+    } else {
+        // A view item's own choices, when the factory kept them, come first.
+        std::u16string shown;
+        bool found = false;
+        if (auto choices = GetChoiceData(*inControl)) {
+            for (auto const &choice : *choices) {
+                if (choice.mRawValue == text) {
+                    shown = LocalizeIfKey(choice.mDisplay);
+                    found = true;
+                    break;
+                }
+            }
+        }
+        inControl->SetText(found ? shown : ChoiceDisplayFromRawValue(definition, text));
+    }
+    ApplyStatus(inValue, *inControl, result);
+}
+
+void UpdateControl(Value const &inValue, ControlPtr<kivui::UI_Popup> const &inControl)
+{
+    if (!inControl) return;
+    const auto choices = GetChoiceData(*inControl);
+    if (!choices) {
+        KIV_ASSERT_MSG(kUnit, "kivmetadataui::UpdateControl", false,
+                       "UpdateControl: can't retrieve user data from UI_Popup");
+        return;
+    }
+    std::string raw;
+    const GetValueResult result = ReadString(inValue, raw);
+    if (result == kivmetadata::kGetValueResult_SeveralValues) {
+        inControl->SetValueUnknown(true);
+    } else {
+        int index = -1;
+        if (result == kivmetadata::kGetValueResult_OneValue) {
+            for (std::size_t i = 0; i < choices->size(); ++i) {
+                if ((*choices)[i].mRawValue == raw) {
+                    index = static_cast<int>(i);
+                    break;
+                }
+            }
+        }
+        if (index >= 0) {
+            inControl->SetValue(index);
+        } else {
+            // No choice matches: show the raw value's text (empty when absent).
+            const std::u16string shown = result == kivmetadata::kGetValueResult_OneValue
+                                             ? ChoiceDisplayFromRawValue(kivmetadata::PathEntryDefinition(inValue.mPath), raw)
+                                             : std::u16string();
+            inControl->SetValue(-1);
+            inControl->SetValueString(shown);
+        }
+    }
+    ApplyStatus(inValue, *inControl, result);
+}
+
+void UpdateControl(Value const &inValue, ControlPtr<kivui::UI_HotTextNumber> const &inControl)
+{
+    if (!inControl) return;
+    double number = 0;
+    GetValueResult result = kivmetadata::kGetValueResult_Unreadable;
+    if (inValue.mProvider) {
+        MetaDataReadAccess access(inValue.mProvider);
+        kivmetadata::GetValue(inValue, number, result);
+    }
+    if (result == kivmetadata::kGetValueResult_SeveralValues) {
+        inControl->SetValueUnknown(true);
+    } else {
+        inControl->SetValue(result == kivmetadata::kGetValueResult_OneValue
+                                ? number
+                                : std::numeric_limits<double>::quiet_NaN());
+    }
+    ApplyStatus(inValue, *inControl, result);
+}
+
+void UpdateControl(Value const &inValue, ControlPtr<kivui::UI_StarRating> const &inControl)
+{
+    if (!inControl) return;
+    double rating = 0;
+    GetValueResult result = kivmetadata::kGetValueResult_Unreadable;
+    if (inValue.mProvider) {
+        MetaDataReadAccess access(inValue.mProvider);
+        kivmetadata::GetValue(inValue, rating, result);
+    }
+    if (result == kivmetadata::kGetValueResult_SeveralValues) {
+        inControl->SetValueUnknown(true);
+    } else {
+        inControl->SetValue(result == kivmetadata::kGetValueResult_OneValue ? rating : 0.0);
+    }
+    ApplyStatus(inValue, *inControl, result);
+}
+
+// ---------------------------------------------------------------- UpdateValue
+
+void UpdateValue(Value const &inValue, ControlPtr<kivui::UI_TextEdit> const &inControl)
+{
+    if (inControl) UpdateTextValue(inValue, *inControl);
+}
+
+void UpdateValue(Value const &inValue, ControlPtr<kivui::UI_URLEdit> const &inControl)
+{
+    if (inControl) UpdateTextValue(inValue, *inControl);
+}
+
+void UpdateValue(Value const &inValue, ControlPtr<kivui::UI_DragableTextEdit> const &inControl)
+{
+    if (inControl) UpdateTextValue(inValue, *inControl);
+}
+
+void UpdateValue(Value const &inValue, ControlPtr<kivui::UI_AutoCompleteTextEdit> const &inControl)
+{
+    if (!inControl) return;
+    UpdateTextValue(inValue, *inControl);
+    // The next completion offers what was just typed.
+    if (!inControl->IsValueUnknown() && (IsAutoCompletionEnabled() || !inControl->GetEntryList().empty())) {
+        const std::u16string text = inControl->GetValue();
+        if (!text.empty()) {
+            const std::string key = MRUKeyForPath(inValue.mPath);
+            kivmetadata::UpdateMRULists(key, EntriesOfText(inValue, text));
+            inControl->SetEntryList(kivmetadata::GetMRUList(key));
+        }
+    }
+}
+
+void UpdateValue(Value const &inValue, ControlPtr<UI_DateTextEdit> const &inControl)
+{
+    if (!inControl) return;
+    const std::u16string text = inControl->GetValue();
+    if (inControl->IsValueUnknown() || text.empty()) {
+        WriteBack(inValue, [&] { return kivmetadata::DeleteValue(inValue); });
+        return;
+    }
+    kivmetadata::XMP_DateTime date;
+    if (!ParseDateTimeStr(text, date)) return; // refused by the validation already
+    WriteBack(inValue, [&] { return kivmetadata::SetValue(inValue, kivmetadata::ConvertFromDate(date)); });
+}
+
+void UpdateValue(Value const &inValue, ControlPtr<kivui::UI_Checkbox> const &inControl)
+{
+    if (!inControl) return;
+    const auto state = inControl->GetValue();
+    WriteBack(inValue, [&] {
+        if (state == kivui::UI_Checkbox::kMixed || inControl->IsValueUnknown()) return kivmetadata::DeleteValue(inValue);
+        return kivmetadata::SetValue(inValue, state == kivui::UI_Checkbox::kChecked);
+    });
+}
+
+void UpdateValue(Value const &inValue, ControlPtr<kivui::UI_HotTextNumber> const &inControl)
+{
+    if (!inControl) return;
+    const double number = inControl->GetValue();
+    WriteBack(inValue, [&] {
+        if (inControl->IsValueUnknown() || std::isnan(number)) return kivmetadata::DeleteValue(inValue);
+        const auto primitiveType = kivmetadata::PrimitiveTypeOfPath(inValue.mPath);
+        // The integer type is the one just before the real type.
+        constexpr auto kInteger = static_cast<kivmetadata::PrimitiveType>(kivmetadata::kPrimitiveType_Real - 1);
+        if (primitiveType && *primitiveType == kInteger)
+            return kivmetadata::SetValue(inValue, static_cast<std::int64_t>(std::trunc(number)));
+        return kivmetadata::SetValue(inValue, number);
+    });
+}
+
+void UpdateValue(Value const &inValue, ControlPtr<kivui::UI_StarRating> const &inControl)
+{
+    if (!inControl) return;
+    const double value = inControl->GetValue();
+    WriteBack(inValue, [&] {
+        // No stars removes the property.
+        if (inControl->IsValueUnknown() || value == 0) return kivmetadata::DeleteValue(inValue);
+        KIV_ASSERT_MSG(kUnit, "kivmetadataui::UpdateValue", (value == static_cast<std::int64_t>(value)),
+                       "Breaking backward compatibility with GX6");
+        return kivmetadata::SetMinimalFloatValue(inValue, value);
+    });
+}
+
+void UpdateValue(Value const &inValue, ControlPtr<kivui::UI_Popup> const &inControl)
+{
+    if (!inControl) return;
+    const auto choices = GetChoiceData(*inControl);
+    if (!choices) {
+        KIV_ASSERT_MSG(kUnit, "kivmetadataui::UpdateValue", false, "UpdateValue:  can't retrieve user data from UI_Popup");
+        return;
+    }
+    const int index = inControl->GetValue();
+    if (index < 0 && inControl->GetPopupType() == 1) {
+        // An editable popup holding a typed text that is no choice.
+        const std::u16string typed = inControl->GetValueString();
+        WriteBack(inValue, [&] {
+            return typed.empty() ? kivmetadata::DeleteValue(inValue) : kivmetadata::SetValue(inValue, Utf16ToUtf8(typed));
+        });
+        return;
+    }
+    KIV_ASSERT(kUnit, "kivmetadataui::UpdateValue", choices->size() > (unsigned int)index);
+    if (index < 0 || choices->size() <= static_cast<std::size_t>(index)) return;
+    WriteBack(inValue, [&] { return kivmetadata::SetValue(inValue, (*choices)[static_cast<std::size_t>(index)].mRawValue); });
+}
+
+void UpdateValue(Value const &, ControlPtr<kivui::UI_StaticText> const &) {}
+
+// ---------------------------------------------------------------- read-only, disconnect
+
+void SetControlReadOnly(ControlPtr<kivui::UI_AutoCompleteTextEdit> const &inControl)
+{
+    if (inControl) inControl->SetReadOnlyMode(true);
+}
+
+void SetControlReadOnly(ControlPtr<UI_DateTextEdit> const &inControl)
+{
+    if (inControl) inControl->SetReadOnlyMode(true);
+}
+
+void SetControlReadOnly(ControlPtr<kivui::UI_TextEdit> const &inControl)
+{
+    if (inControl) inControl->SetReadOnlyMode(true);
+}
+
+void SetControlReadOnly(ControlPtr<kivui::UI_URLEdit> const &inControl)
+{
+    if (inControl) inControl->SetReadOnlyMode(true);
+}
+
+void Disconnect(std::shared_ptr<std::function<void(kivui::Message *)>> const &inMessageHandler,
+                std::shared_ptr<std::function<void(kivmetadata::XMPMeta *)>> const &inMetaHandler,
+                std::shared_ptr<std::function<void()>> const &inHandler,
+                std::shared_ptr<std::function<void(kivui::Message *)>> const &inMessageHandler2)
+{
+    if (inMessageHandler && *inMessageHandler) *inMessageHandler = nullptr;
+    if (inMetaHandler && *inMetaHandler) *inMetaHandler = nullptr;
+    if (inHandler && *inHandler) *inHandler = nullptr;
+    if (inMessageHandler2 && *inMessageHandler2) *inMessageHandler2 = nullptr;
+}
+
+// ---------------------------------------------------------------- any kind
+
+bool UpdateControlOfAnyKind(Value const &inValue, kivui::UI_ControlView *inControl)
+{
+    if (!inControl) return false;
+    // Most derived kinds first: several derive from UI_TextEdit.
+    if (auto *c = dynamic_cast<UI_DateTextEdit *>(inControl)) UpdateControl(inValue, ControlPtr<UI_DateTextEdit>(c));
+    else if (auto *c = dynamic_cast<kivui::UI_AutoCompleteTextEdit *>(inControl))
+        UpdateControl(inValue, ControlPtr<kivui::UI_AutoCompleteTextEdit>(c));
+    else if (auto *c = dynamic_cast<kivui::UI_URLEdit *>(inControl)) UpdateControl(inValue, ControlPtr<kivui::UI_URLEdit>(c));
+    else if (auto *c = dynamic_cast<kivui::UI_DragableTextEdit *>(inControl))
+        UpdateControl(inValue, ControlPtr<kivui::UI_DragableTextEdit>(c));
+    else if (auto *c = dynamic_cast<kivui::UI_TextEdit *>(inControl)) UpdateControl(inValue, ControlPtr<kivui::UI_TextEdit>(c));
+    else if (auto *c = dynamic_cast<kivui::UI_StaticText *>(inControl))
+        UpdateControl(inValue, ControlPtr<kivui::UI_StaticText>(c));
+    else if (auto *c = dynamic_cast<kivui::UI_Checkbox *>(inControl)) UpdateControl(inValue, ControlPtr<kivui::UI_Checkbox>(c));
+    else if (auto *c = dynamic_cast<kivui::UI_Popup *>(inControl)) UpdateControl(inValue, ControlPtr<kivui::UI_Popup>(c));
+    else if (auto *c = dynamic_cast<kivui::UI_HotTextNumber *>(inControl))
+        UpdateControl(inValue, ControlPtr<kivui::UI_HotTextNumber>(c));
+    else if (auto *c = dynamic_cast<kivui::UI_StarRating *>(inControl))
+        UpdateControl(inValue, ControlPtr<kivui::UI_StarRating>(c));
+    else return false;
+    return true;
+}
+
+bool UpdateValueOfAnyKind(Value const &inValue, kivui::UI_ControlView *inControl)
+{
+    if (!inControl) return false;
+    if (auto *c = dynamic_cast<UI_DateTextEdit *>(inControl)) UpdateValue(inValue, ControlPtr<UI_DateTextEdit>(c));
+    else if (auto *c = dynamic_cast<kivui::UI_AutoCompleteTextEdit *>(inControl))
+        UpdateValue(inValue, ControlPtr<kivui::UI_AutoCompleteTextEdit>(c));
+    else if (auto *c = dynamic_cast<kivui::UI_URLEdit *>(inControl)) UpdateValue(inValue, ControlPtr<kivui::UI_URLEdit>(c));
+    else if (auto *c = dynamic_cast<kivui::UI_DragableTextEdit *>(inControl))
+        UpdateValue(inValue, ControlPtr<kivui::UI_DragableTextEdit>(c));
+    else if (auto *c = dynamic_cast<kivui::UI_TextEdit *>(inControl)) UpdateValue(inValue, ControlPtr<kivui::UI_TextEdit>(c));
+    else if (auto *c = dynamic_cast<kivui::UI_StaticText *>(inControl)) UpdateValue(inValue, ControlPtr<kivui::UI_StaticText>(c));
+    else if (auto *c = dynamic_cast<kivui::UI_Checkbox *>(inControl)) UpdateValue(inValue, ControlPtr<kivui::UI_Checkbox>(c));
+    else if (auto *c = dynamic_cast<kivui::UI_Popup *>(inControl)) UpdateValue(inValue, ControlPtr<kivui::UI_Popup>(c));
+    else if (auto *c = dynamic_cast<kivui::UI_HotTextNumber *>(inControl))
+        UpdateValue(inValue, ControlPtr<kivui::UI_HotTextNumber>(c));
+    else if (auto *c = dynamic_cast<kivui::UI_StarRating *>(inControl)) UpdateValue(inValue, ControlPtr<kivui::UI_StarRating>(c));
+    else return false;
+    return true;
+}
+
+} // namespace kivmetadataui

@@ -1,0 +1,468 @@
+#include <kivmetadataui/ControlFactory.h>
+
+#include "ControlFactory_p.h"
+
+#include <kivmetadataui/BindControl.h>
+#include <kivmetadataui/Control.h>
+#include <kivmetadataui/ControlCreator.h>
+#include <kivmetadataui/UI_DateTextEdit.h>
+
+#include <kivcore/Assert.h>
+#include <kivcore/Localizer.h>
+#include <kivcore/StringUtils.h>
+#include <kivmetadata/Definitions.h>
+#include <kivmetadata/MRULists.h>
+#include <kivmetadata/MetaDataProvider.h>
+#include <kivmetadata/PathOperations.h>
+#include <kivmetadata/PropertyDefinition.h>
+#include <kivmetadata/TypeDefinition.h>
+#include <kivmetadata/Value.h>
+#include <kivmetadata/ViewItem.h>
+#include <kivui/Message.h>
+#include <kivui/PrefManager.h>
+#include <kivui/UI_AutoCompleteTextEdit.h>
+#include <kivui/UI_Checkbox.h>
+#include <kivui/UI_Container.h>
+#include <kivui/UI_DragableTextEdit.h>
+#include <kivui/UI_HotTextNumber.h>
+#include <kivui/UI_Popup.h>
+#include <kivui/UI_StarRating.h>
+#include <kivui/UI_StaticText.h>
+#include <kivui/UI_TextEdit.h>
+#include <kivui/UI_URLEdit.h>
+
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+#include <QWidget>
+
+#include <charconv>
+#include <map>
+#include <optional>
+
+namespace kivmetadataui {
+namespace {
+
+using kivcore::utility::IntrusivePtr;
+using kivcore::utility::Utf8ToUtf16;
+using kivmetadata::Path;
+using kivmetadata::PrimitiveType;
+using kivmetadata::PropertyDefinition;
+using kivmetadata::Value;
+using kivmetadata::ViewItem;
+
+constexpr char kUnit[] = "src/ControlFactory";
+constexpr char kTooltipKey[] = "$$$/metadataui/view/tooltip/LabelAndDescription=@0 :: @1";
+constexpr char kAutoCompletionPreference[] = "enableAutoCompletion";
+constexpr char kChoiceRawProperty[] = "kivChoiceRawValues";
+constexpr char kChoiceDisplayProperty[] = "kivChoiceDisplays";
+constexpr char kDateNodeID[] = "metadata_view";
+constexpr char kReadOnlySuffix[] = ", read_only";
+constexpr int kPopupEditable = 1;
+// Edit-text flags of the host's text behaviour that the editable controls carry.
+constexpr std::uint32_t kEditTextFlags = 1;
+
+std::optional<bool> sAutoCompletionEnabled;
+
+// One bound control: the value, the control, and whether the binding itself
+// is showing a value (then the control's change reports are not edits).
+struct BindingState {
+    Value mValue;
+    kivui::UI_ControlView *mControl = nullptr;
+    bool mShowing = false;
+    bool mWriting = false;
+};
+
+// The binding of each live control made here, for RefreshControl.
+std::map<kivui::UI_ControlView const *, std::weak_ptr<BindingState>> &Bindings()
+{
+    static std::map<kivui::UI_ControlView const *, std::weak_ptr<BindingState>> bindings;
+    return bindings;
+}
+
+std::optional<double> NumberAttribute(ViewItem const &inViewItem, std::string const &inKey)
+{
+    const std::string text = kivcore::utility::Trim(inViewItem.Attribute(inKey));
+    if (text.empty()) return std::nullopt;
+    double number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+    return number;
+}
+
+IntrusivePtr<kivui::UI_StarRating> MakeStarRating(ViewItem const &inViewItem)
+{
+    IntrusivePtr<kivui::UI_StarRating> rating(new kivui::UI_StarRating());
+    if (auto size = NumberAttribute(inViewItem, "size"); size && *size > 0)
+        rating->SetStarSize(static_cast<float>(*size));
+    return rating;
+}
+
+IntrusivePtr<kivui::UI_Popup> MakePopup(std::vector<kivmetadata::Choice> const &inChoices, bool inEditable)
+{
+    IntrusivePtr<kivui::UI_Popup> popup(new kivui::UI_Popup());
+    FillPopup(*popup, inChoices);
+    if (inEditable) {
+        popup->SetPopupType(kPopupEditable);
+        popup->SetEditTextFlags(kEditTextFlags);
+        popup->SetAllowEmpty(true);
+    }
+    return popup;
+}
+
+IntrusivePtr<kivui::UI_ControlView> MakeNumber(PropertyDefinition const &inDefinition, bool inInteger)
+{
+    IntrusivePtr<kivui::UI_HotTextNumber> number(new kivui::UI_HotTextNumber());
+    if (inInteger) {
+        number->SetDecimalPlaces(0);
+    } else {
+        number->SetIncrement(0.01);
+        number->SetDecimalPlaces(2);
+    }
+    number->SetAllowEmpty(true);
+    number->SetEditTextFlags(kEditTextFlags);
+    number->SetMinMax(inDefinition.mMinimum, inDefinition.mMaximum);
+    return number;
+}
+
+IntrusivePtr<kivui::UI_ControlView> MakeText(Value const &inValue, ViewItem const &inViewItem, bool inReadOnly,
+                                             std::shared_ptr<std::function<void()>> const &inSizeHandler)
+{
+    IntrusivePtr<kivui::UI_TextEdit> edit;
+    if (auto lines = NumberAttribute(inViewItem, "multiLines")) {
+        IntrusivePtr<kivui::UI_DragableTextEdit> dragable(new kivui::UI_DragableTextEdit());
+        dragable->SetLineCount(std::max(1, static_cast<int>(*lines)));
+        dragable->SetSizeChangedFxn(inSizeHandler);
+        edit = dragable;
+    } else {
+        IntrusivePtr<kivui::UI_AutoCompleteTextEdit> complete(new kivui::UI_AutoCompleteTextEdit());
+        if (IsAutoCompletionEnabled()) complete->SetEntryList(kivmetadata::GetMRUList(MRUKeyForPath(inValue.mPath)));
+        edit = complete;
+    }
+    edit->SetEditTextFlags(kEditTextFlags);
+    edit->SetAllowEmpty(true);
+    if (inReadOnly) {
+        edit->SetReadOnlyMode(true);
+        edit->UI_SetNodeID(edit->UI_GetNodeID() + kReadOnlySuffix);
+    }
+    return edit;
+}
+
+// Shows the value through the binding, with the control's change reports
+// muted so that showing never counts as an edit.
+void Show(BindingState &inState)
+{
+    const bool was = inState.mShowing;
+    inState.mShowing = true;
+    UpdateControlOfAnyKind(inState.mValue, inState.mControl);
+    inState.mShowing = was;
+}
+
+} // namespace
+
+// ---------------------------------------------------------------- helpers
+
+bool IsPropertySupportedForWriting(Path const &inPath)
+{
+    const auto definition = kivmetadata::PathEntryDefinition(inPath);
+    KIV_ASSERT(kUnit, "kivmetadataui::IsPropertySupportedForWriting", definition);
+    if (!definition) return false;
+    // Deliberately only this type: its text form is not safe to edit.
+    return definition->mTypeId != "rational";
+}
+
+bool IsTypeBasedOnPrimitiveType(PropertyDefinition const &inDefinition, PrimitiveType inType)
+{
+    if (inDefinition.mPrimitiveType) return *inDefinition.mPrimitiveType == inType;
+    if (inDefinition.mTypeId.empty()) return false;
+    const auto type = kivmetadata::TypeIdDefinition(inDefinition.mTypeId);
+    return type && type->mPrimitiveType && *type->mPrimitiveType == inType;
+}
+
+std::vector<kivmetadata::Choice> ChoicesFromViewItem(ViewItem const &inViewItem)
+{
+    if (!inViewItem.mChoices.empty()) return inViewItem.mChoices;
+    const auto definition = kivmetadata::PathEntryDefinition(inViewItem.mPath);
+    KIV_ASSERT(kUnit, "kivmetadataui::ChoicesFromViewItem", definition);
+    if (!definition) return {};
+    if (!definition->mChoices.empty()) return definition->mChoices;
+    if (!definition->mTypeId.empty()) {
+        if (const auto type = kivmetadata::TypeIdDefinition(definition->mTypeId)) return type->mChoices;
+    }
+    return {};
+}
+
+std::u16string LocalizeIfKey(std::string const &inText)
+{
+    if (inText.rfind("$$$/", 0) == 0) return kivcore::config::Localizer::Localize(inText);
+    return Utf8ToUtf16(inText);
+}
+
+std::u16string ComposeTooltip(std::shared_ptr<PropertyDefinition> const &inDefinition)
+{
+    KIV_ASSERT(kUnit, "kivmetadataui::ComposeTooltip", inDefinition);
+    if (!inDefinition) return {};
+    const std::u16string label = LocalizeIfKey(inDefinition->mLabel.empty() ? inDefinition->mName : inDefinition->mLabel);
+    const std::u16string description = LocalizeIfKey(inDefinition->mDescription);
+    // Without a description the separator would dangle.
+    if (description.empty()) return label;
+    return kivcore::config::Localizer::Localize(kTooltipKey, {label, description});
+}
+
+std::u16string ChoiceDisplayFromRawValue(std::shared_ptr<PropertyDefinition> const &inDefinition,
+                                         std::string const &inRawValue)
+{
+    KIV_ASSERT("src/BindControl", "kivmetadataui::ChoiceDisplayFromRawValue", inDefinition);
+    if (!inDefinition) return Utf8ToUtf16(inRawValue);
+    std::shared_ptr<kivmetadata::TypeDefinition> type;
+    if (!inDefinition->mTypeId.empty()) type = kivmetadata::TypeIdDefinition(inDefinition->mTypeId);
+    else if (inDefinition->mPrimitiveType)
+        type = kivmetadata::TypeIdDefinition(kivmetadata::PrimitiveTypeAsPrimitiveTypeId(*inDefinition->mPrimitiveType));
+    std::vector<kivmetadata::Choice> const *choices = &inDefinition->mChoices;
+    if (choices->empty() && type) choices = &type->mChoices;
+    for (auto const &choice : *choices) {
+        if (choice.mRawValue == inRawValue) return LocalizeIfKey(choice.mDisplay);
+    }
+    return Utf8ToUtf16(inRawValue);
+}
+
+void SetChoiceData(kivui::UI_ControlView &inControl, std::vector<kivmetadata::Choice> const &inChoices)
+{
+    QWidget *widget = inControl.UI_GetWidget();
+    if (!widget) return;
+    QStringList raw, display;
+    for (auto const &choice : inChoices) {
+        raw.push_back(QString::fromStdString(choice.mRawValue));
+        display.push_back(QString::fromStdString(choice.mDisplay));
+    }
+    widget->setProperty(kChoiceRawProperty, raw);
+    widget->setProperty(kChoiceDisplayProperty, display);
+}
+
+std::optional<std::vector<kivmetadata::Choice>> GetChoiceData(kivui::UI_ControlView const &inControl)
+{
+    QWidget const *widget = inControl.UI_GetWidget();
+    if (!widget) return std::nullopt;
+    const QVariant raw = widget->property(kChoiceRawProperty);
+    if (!raw.isValid()) return std::nullopt;
+    const QStringList rawValues = raw.toStringList();
+    const QStringList displays = widget->property(kChoiceDisplayProperty).toStringList();
+    std::vector<kivmetadata::Choice> choices;
+    choices.reserve(static_cast<std::size_t>(rawValues.size()));
+    for (qsizetype i = 0; i < rawValues.size(); ++i)
+        choices.push_back({rawValues[i].toStdString(), i < displays.size() ? displays[i].toStdString() : std::string()});
+    return choices;
+}
+
+void FillPopup(kivui::UI_Popup &inPopup, std::vector<kivmetadata::Choice> const &inChoices)
+{
+    inPopup.DeleteAllItems();
+    for (auto const &choice : inChoices)
+        inPopup.AddItem(LocalizeIfKey(choice.mDisplay.empty() ? choice.mRawValue : choice.mDisplay), choice.mRawValue);
+    SetChoiceData(inPopup, inChoices);
+}
+
+bool IsAutoCompletionEnabled()
+{
+    if (sAutoCompletionEnabled) return *sAutoCompletionEnabled;
+    if (auto *prefs = kivui::utility::PrefManager::GetPrefManager())
+        return prefs->GetBool(kAutoCompletionPreference).value_or(true);
+    return true;
+}
+
+void SetAutoCompletionEnabled(bool inEnabled)
+{
+    sAutoCompletionEnabled = inEnabled;
+}
+
+std::string MRUKeyForPath(Path const &inPath)
+{
+    return inPath.mPath;
+}
+
+// ---------------------------------------------------------------- factory
+
+std::shared_ptr<Control> ControlFactory(Value const &inValue, std::shared_ptr<ViewItem> inViewItem,
+                                        IntrusivePtr<kivui::UI_Node> inParent, bool inReadOnly,
+                                        std::shared_ptr<std::function<void(kivui::Message *)>> const &inOnChanged,
+                                        std::shared_ptr<std::function<void()>> const &inOnSizeChanged)
+{
+    const auto definition = kivmetadata::PathEntryDefinition(inValue.mPath);
+    const auto primitiveType = kivmetadata::PrimitiveTypeOfPath(inValue.mPath);
+    if (!(definition && primitiveType)) {
+        KIV_ASSERT(kUnit, "kivmetadataui::ControlFactory", definition && primitiveType);
+        return {};
+    }
+    const bool forViewItem = static_cast<bool>(inViewItem);
+    if (!inViewItem) {
+        inViewItem = std::make_shared<ViewItem>();
+        inViewItem->mKind = ViewItem::Kind::kProperty;
+        inViewItem->mPath = inValue.mPath;
+    }
+
+    if (ControlCreator creator = RegisteredControlCreator()) {
+        if (std::shared_ptr<Control> custom = creator(inValue, inViewItem, inParent)) return custom;
+    }
+
+    // The size handler is ours, so that cutting the binding never empties
+    // the caller's shared callback.
+    auto sizeHandler = std::make_shared<std::function<void()>>([inOnSizeChanged] {
+        if (inOnSizeChanged && *inOnSizeChanged) (*inOnSizeChanged)();
+    });
+
+    ViewItem const &viewItem = *inViewItem;
+    IntrusivePtr<kivui::UI_ControlView> control;
+
+    if (!viewItem.mAttributes.empty()) {
+        if (viewItem.HasAttribute("dropdown")) {
+            KIV_ASSERT(kUnit, "kivmetadataui::ControlFactory", !viewItem.mChoices.empty());
+            control = MakePopup(viewItem.mChoices, viewItem.HasAttribute("openChoice"));
+        } else if (viewItem.HasAttribute("rating")) {
+            KIV_ASSERT(kUnit, "kivmetadataui::ControlFactory", *primitiveType == kivmetadata::kPrimitiveType_Real);
+            if (*primitiveType == kivmetadata::kPrimitiveType_Real) control = MakeStarRating(viewItem);
+        }
+    }
+
+    if (!control && (inReadOnly || inValue.mNotEditable || viewItem.HasAttribute("readOnly") ||
+                     !IsPropertySupportedForWriting(inValue.mPath)) &&
+        !kivmetadata::IsAllMetadataForcedWritable()) {
+        IntrusivePtr<kivui::UI_StaticText> text(new kivui::UI_StaticText());
+        // A view item's own choices name the values better than the definition.
+        if (!viewItem.mChoices.empty() || !definition->mChoices.empty()) SetChoiceData(*text, ChoicesFromViewItem(viewItem));
+        control = text;
+    }
+
+    if (!control && !definition->mTypeId.empty()) {
+        if (definition->mTypeId == "url") {
+            control = IntrusivePtr<kivui::UI_URLEdit>(new kivui::UI_URLEdit());
+        } else if (definition->mTypeId == "rating") {
+            control = MakeStarRating(viewItem);
+        } else if (definition->mTypeId == "date") {
+            IntrusivePtr<UI_DateTextEdit> date(new UI_DateTextEdit());
+            if (forViewItem) date->UI_SetNodeID(kDateNodeID);
+            if (inReadOnly) {
+                SetControlReadOnly(date);
+                date->UI_SetNodeID(date->UI_GetNodeID() + kReadOnlySuffix);
+            }
+            control = date;
+        }
+    }
+
+    if (!control) {
+        switch (*primitiveType) {
+        case kivmetadata::kPrimitiveType_Integer:
+            control = MakeNumber(*definition, true);
+            break;
+        case kivmetadata::kPrimitiveType_Real:
+            control = MakeNumber(*definition, false);
+            break;
+        case kivmetadata::kPrimitiveType_Text:
+        case kivmetadata::kPrimitiveType_LangAlt:
+        case kivmetadata::kPrimitiveType_TextBag:
+        case kivmetadata::kPrimitiveType_TextSeq:
+            control = MakeText(inValue, viewItem, inReadOnly, sizeHandler);
+            break;
+        case kivmetadata::kPrimitiveType_Boolean: {
+            IntrusivePtr<kivui::UI_Checkbox> box(new kivui::UI_Checkbox());
+            const float size = kivui::UI_Checkbox::DefaultCheckSize();
+            box->UI_SetLocalRectF(kivcore::RectF(0, 0, size, size));
+            control = box;
+            break;
+        }
+        case kivmetadata::kPrimitiveType_OpenChoice:
+            control = MakePopup(ChoicesFromViewItem(viewItem), true);
+            break;
+        case kivmetadata::kPrimitiveType_ClosedChoice:
+            control = MakePopup(ChoicesFromViewItem(viewItem), false);
+            break;
+        default:
+            KIV_ASSERT(kUnit, "kivmetadataui::ControlFactory", false);
+            return {};
+        }
+    }
+
+    control->SetToolTip(ComposeTooltip(definition));
+
+    auto state = std::make_shared<BindingState>();
+    state->mValue = inValue;
+    state->mControl = control.get();
+    Show(*state);
+
+    // Edits go back to the provider; the state lives as long as this handler.
+    auto changedHandler = std::make_shared<std::function<void(kivui::Message *)>>(
+        [state, inOnChanged](kivui::Message *inMessage) {
+            if (state->mShowing || state->mWriting) return;
+            state->mWriting = true;
+            UpdateValueOfAnyKind(state->mValue, state->mControl);
+            state->mWriting = false;
+            if (inOnChanged && *inOnChanged) (*inOnChanged)(inMessage);
+        });
+    control->NotifyWhenChanged(changedHandler);
+
+    // Later changes of the provider are shown, except those this control made
+    // and a text being typed.
+    std::weak_ptr<BindingState> weakState = state;
+    auto metaHandler = std::make_shared<kivmetadata::MetaDataProvider::ChangeListener>([weakState](kivmetadata::XMPMeta *) {
+        auto bound = weakState.lock();
+        if (!bound || bound->mWriting) return;
+        if (auto *text = dynamic_cast<kivui::UI_TextEdit *>(bound->mControl); text && text->IsEditing()) return;
+        Show(*bound);
+    });
+    if (inValue.mProvider) inValue.mProvider->AddChangeListener(metaHandler);
+
+    kivui::UI_ControlView const *key = control.get();
+    Bindings()[key] = state;
+
+    if (auto *container = dynamic_cast<kivui::UI_Container *>(inParent.get())) container->ChildPushBack(control);
+
+    return std::make_shared<Control>(control, [changedHandler, metaHandler, sizeHandler, key] {
+        Bindings().erase(key);
+        Disconnect(changedHandler, metaHandler, sizeHandler, nullptr);
+    });
+}
+
+std::shared_ptr<Control> ControlFactory(Value const &inValue, IntrusivePtr<kivui::UI_Node> inParent, bool inReadOnly,
+                                        std::shared_ptr<std::function<void(kivui::Message *)>> const &inOnChanged,
+                                        std::shared_ptr<std::function<void()>> const &inOnSizeChanged)
+{
+    return ControlFactory(inValue, std::shared_ptr<ViewItem>(), std::move(inParent), inReadOnly, inOnChanged,
+                          inOnSizeChanged);
+}
+
+std::shared_ptr<Control> InlineControlFactory(Value const &inValue, IntrusivePtr<kivui::UI_Node> inParent)
+{
+    return ControlFactory(inValue, std::move(inParent), false, nullptr, nullptr);
+}
+
+void RefreshControl(Value const &inValue, std::shared_ptr<Control> const &inControl, bool inEvenWhileEditing)
+{
+    const auto definition = kivmetadata::PathEntryDefinition(inValue.mPath);
+    const auto primitiveType = kivmetadata::PrimitiveTypeOfPath(inValue.mPath);
+    if (!(definition && primitiveType && inControl)) {
+        KIV_ASSERT(kUnit, "kivmetadataui::RefreshControl", definition && primitiveType && inControl);
+        return;
+    }
+    if (RegisteredControlCreator()) {
+        KIV_ASSERT_MSG(kUnit, "kivmetadataui::RefreshControl", false, "Custom Factory is installed.\nCan't refresh the control.");
+        return;
+    }
+    auto *control = dynamic_cast<kivui::UI_ControlView *>(inControl->GetView().get());
+    if (!control) return;
+    if (auto *text = dynamic_cast<kivui::UI_TextEdit *>(control); text && text->IsEditing() && !inEvenWhileEditing)
+        return;
+    auto bound = Bindings().find(control);
+    std::shared_ptr<BindingState> state = bound != Bindings().end() ? bound->second.lock() : nullptr;
+    if (state) {
+        state->mValue = inValue;
+        Show(*state);
+    } else {
+        UpdateControlOfAnyKind(inValue, control);
+    }
+}
+
+void ExcludePath(Path const &inPath)
+{
+    kivmetadata::ExcludePropertyForClient(inPath, true);
+}
+
+} // namespace kivmetadataui
