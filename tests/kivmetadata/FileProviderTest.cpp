@@ -151,7 +151,8 @@ TEST_F(FileProviderTest, EachWritableFormatKeepsWhatWasSavedAndExiftoolAgrees)
         QString const path = Write(QString::fromLatin1(c.name), c.bytes);
         auto provider = Open(path);
         ASSERT_TRUE(provider);
-        EXPECT_TRUE(provider->GetMeta()->IsEmpty()); // no XMP yet
+        // No XMP yet (a TIFF shows its own tags, reconciled into XMP).
+        EXPECT_TRUE(provider->GetMeta()->TopLevelProperties(kDC).empty());
         EXPECT_TRUE(provider->SidecarPath().empty());
         {
             MetaDataUpdateAccess access(provider);
@@ -202,6 +203,23 @@ TEST_F(FileProviderTest, SavingKeepsUneditedAndUndeclaredProperties)
     if (!Exiftool().isEmpty()) {
         EXPECT_EQ(ExifRead(path, QStringLiteral("XMP:Secret")), QStringLiteral("kept"));
     }
+}
+
+TEST_F(FileProviderTest, SavingLeavesExifAndIptcBlocksAlone)
+{
+    if (Exiftool().isEmpty()) GTEST_SKIP() << "exiftool is not installed";
+    QString const path = Write(QStringLiteral("legacy.jpg"), ImageBytes("JPG"));
+    QProcess process;
+    process.start(Exiftool(), {QStringLiteral("-q"), QStringLiteral("-overwrite_original"),
+                               QStringLiteral("-EXIF:Artist=Ann Example"), QStringLiteral("-IPTC:City=Kiel"), path});
+    ASSERT_TRUE(process.waitForFinished(30000));
+    auto provider = Open(path);
+    ASSERT_TRUE(provider);
+    ASSERT_TRUE(SetValue(V(provider, kDC, "subject"), "boat"));
+    ASSERT_TRUE(provider->Save());
+    EXPECT_EQ(ExifRead(path, QStringLiteral("EXIF:Artist")), QStringLiteral("Ann Example"));
+    EXPECT_EQ(ExifRead(path, QStringLiteral("IPTC:City")), QStringLiteral("Kiel"));
+    EXPECT_EQ(ExifRead(path, QStringLiteral("XMP-dc:Subject")), QStringLiteral("boat"));
 }
 
 TEST_F(FileProviderTest, NothingIsWrittenWhenNothingChanged)

@@ -41,12 +41,16 @@ bool Fail(std::string *error, std::string const &message, std::string const &con
 }
 
 // Reads the XMP of a file with Exempi. `found` tells whether the file holds
-// a packet; `inPlace` whether Exempi can write into this format.
+// metadata; `inPlace` whether Exempi can write into this format.
+//
+// The file is opened with legacy reconciliation (not "only XMP"): EXIF and
+// IPTC values show in the XMP object, and writing it back later keeps the
+// EXIF and IPTC blocks consistent instead of dropping them.
 bool ReadEmbedded(std::string const &path, XMPMeta &meta, bool &found, bool &inPlace, std::string &message)
 {
     found = false;
     inPlace = false;
-    XmpFile file(xmp_files_open_new(path.c_str(), XmpOpenFileOptions(XMP_OPEN_READ | XMP_OPEN_ONLYXMP)));
+    XmpFile file(xmp_files_open_new(path.c_str(), XMP_OPEN_READ));
     if (!file) {
         int const code = xmp_get_error();
         // No handler: the format is unknown to Exempi, a sidecar takes the XMP.
@@ -62,18 +66,26 @@ bool ReadEmbedded(std::string const &path, XMPMeta &meta, bool &found, bool &inP
     XmpString packet;
     XmpPacketInfo info{};
     // The PNG handler reports offset -1 even with a packet: the text decides.
-    found = xmp_files_get_xmp_xmpstring(file.get(), packet, &info) && xmp_string_len(packet) > 0;
-    if (!found) {
-        // A format without packet: writable in place only when Exempi can inject one.
-        inPlace = format != XMP_FT_UNKNOWN && format != XMP_FT_TEXT && (flags & kInPlaceFlags);
-        return true;
+    bool const hasPacket = xmp_files_get_xmp_xmpstring(file.get(), packet, &info) && xmp_string_len(packet) > 0;
+    bool const known = format != XMP_FT_UNKNOWN && format != XMP_FT_TEXT;
+    if (hasPacket) {
+        // A packet the toolkit cannot parse must not be replaced by what
+        // little could be read of it.
+        XMPMeta check;
+        std::string error;
+        if (!check.ParseFromBuffer(std::string_view(xmp_string_cstr(packet), xmp_string_len(packet)), &error)) {
+            message = "the XMP packet is malformed (" + error + ")";
+            return false;
+        }
     }
-    inPlace = format != XMP_FT_UNKNOWN && format != XMP_FT_TEXT;
-    std::string error;
-    if (!meta.ParseFromBuffer(std::string_view(xmp_string_cstr(packet), xmp_string_len(packet)), &error)) {
-        message = "the XMP packet is malformed (" + error + ")";
+    found = xmp_files_get_xmp(file.get(), static_cast<XmpPtr>(meta.Handle())) && !meta.IsEmpty();
+    if (hasPacket && !found) {
+        message = "the XMP packet cannot be read (" + XmpErrorText(xmp_get_error()) + ")";
         return false;
     }
+    found = found || hasPacket;
+    // A format without packet is writable in place only when Exempi can inject one.
+    inPlace = known && (found || (flags & kInPlaceFlags));
     return true;
 }
 
@@ -171,6 +183,8 @@ bool FileMetaDataProvider::Save(std::string *error)
 
     QFileInfo const info(ToQString(d->mPath));
     if (!info.exists()) return Fail(error, "The file no longer exists; the metadata was not saved.", d->mPathUtf8);
+    // Opened with reconciliation, as when it was read: the EXIF and IPTC blocks
+    // are rewritten from the XMP object, which holds their values.
     XmpFile file(xmp_files_open_new(d->mPathUtf8.c_str(), XMP_OPEN_FORUPDATE));
     if (!file) {
         int const code = xmp_get_error();
