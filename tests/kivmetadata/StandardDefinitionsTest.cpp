@@ -40,8 +40,14 @@ struct Def {
     std::vector<Def> fields;
     qint64 line = 0;
 
-    bool IsArray() const { return form == QStringLiteral("bag") || form == QStringLiteral("seq") || form == QStringLiteral("alt"); }
-    bool HasStructValue() const { return form == QStringLiteral("struct") || (IsArray() && itemForm == QStringLiteral("struct")); }
+    bool IsArray() const
+    {
+        return form == QStringLiteral("bag") || form == QStringLiteral("seq") || form == QStringLiteral("alt");
+    }
+    bool HasStructValue() const
+    {
+        return form == QStringLiteral("struct") || (IsArray() && itemForm == QStringLiteral("struct"));
+    }
     Def const *Field(QString const &fieldPrefix, QString const &fieldName) const
     {
         for (auto const &f : fields)
@@ -116,8 +122,10 @@ Def ReadDef(QXmlStreamReader &xml, Schema const &schema)
     d.name = a.value(QLatin1String("name")).toString();
     d.ns = a.hasAttribute(QLatin1String("namespace")) ? a.value(QLatin1String("namespace")).toString() : schema.ns;
     d.prefix = a.hasAttribute(QLatin1String("prefix")) ? a.value(QLatin1String("prefix")).toString() : schema.prefix;
-    d.form = a.hasAttribute(QLatin1String("form")) ? a.value(QLatin1String("form")).toString() : QStringLiteral("simple");
-    d.itemForm = a.hasAttribute(QLatin1String("itemForm")) ? a.value(QLatin1String("itemForm")).toString() : QStringLiteral("simple");
+    d.form =
+        a.hasAttribute(QLatin1String("form")) ? a.value(QLatin1String("form")).toString() : QStringLiteral("simple");
+    d.itemForm = a.hasAttribute(QLatin1String("itemForm")) ? a.value(QLatin1String("itemForm")).toString()
+                                                           : QStringLiteral("simple");
     d.type = a.value(QLatin1String("type")).toString();
     d.typeId = a.value(QLatin1String("typeId")).toString();
     d.label = a.value(QLatin1String("label")).toString();
@@ -137,7 +145,7 @@ Def ReadDef(QXmlStreamReader &xml, Schema const &schema)
 
 // The loaded files; every test reads them afresh (one process per test).
 class StandardDefinitionsTest : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override
     {
         for (auto const &f : XmlFiles(QStringLiteral("definitions"))) {
@@ -146,8 +154,10 @@ protected:
             else
                 LoadSchema(f);
         }
-        for (auto const &f : XmlFiles(QStringLiteral("panels"))) LoadPanel(f);
-        for (auto const &s : mSchemas) mByPrefix[s.prefix] = &s;
+        for (auto const &f : XmlFiles(QStringLiteral("panels")))
+            LoadPanel(f);
+        for (auto const &s : mSchemas)
+            mByPrefix[s.prefix] = &s;
     }
 
     bool Open(QString const &path, QXmlStreamReader &xml, QFile &file, QString const &root, QString const &ns)
@@ -159,7 +169,8 @@ protected:
         }
         xml.setDevice(&file);
         if (!xml.readNextStartElement() || xml.name() != root || xml.namespaceUri() != ns) {
-            ADD_FAILURE() << path.toStdString() << ": root must be <" << root.toStdString() << " xmlns=\"" << ns.toStdString() << "\">";
+            ADD_FAILURE() << path.toStdString() << ": root must be <" << root.toStdString() << " xmlns=\""
+                          << ns.toStdString() << "\">";
             return false;
         }
         return true;
@@ -167,7 +178,8 @@ protected:
 
     void Finish(QXmlStreamReader &xml, QString const &path)
     {
-        while (!xml.atEnd()) xml.readNext();
+        while (!xml.atEnd())
+            xml.readNext();
         if (xml.hasError())
             ADD_FAILURE() << path.toStdString() << ":" << xml.lineNumber() << ": " << xml.errorString().toStdString();
     }
@@ -236,7 +248,8 @@ protected:
         p.label = xml.attributes().value(QLatin1String("label")).toString();
         while (xml.readNextStartElement()) {
             if (xml.name() != QStringLiteral("section")) {
-                ADD_FAILURE() << f.toStdString() << ":" << xml.lineNumber() << ": only sections belong at the top of a panel";
+                ADD_FAILURE() << f.toStdString() << ":" << xml.lineNumber()
+                              << ": only sections belong at the top of a panel";
                 xml.skipCurrentElement();
                 continue;
             }
@@ -300,12 +313,12 @@ protected:
     }
 
     // Calls fn for every property and field, with a readable location.
-    template <typename Fn>
-    void ForEachDef(Fn fn) const
+    template <typename Fn> void ForEachDef(Fn fn) const
     {
         for (auto const &s : mSchemas) {
             std::vector<std::pair<Def const *, std::string>> stack;
-            for (auto const &p : s.props) stack.emplace_back(&p, s.prefix.toStdString() + ':' + p.name.toStdString());
+            for (auto const &p : s.props)
+                stack.emplace_back(&p, s.prefix.toStdString() + ':' + p.name.toStdString());
             while (!stack.empty()) {
                 auto [def, where] = stack.back();
                 stack.pop_back();
@@ -338,8 +351,10 @@ bool IsXmlName(QString const &name)
 TEST_F(StandardDefinitionsTest, EveryStandardFileIsPresentAndCompiledIn)
 {
     std::set<QString> prefixes, panels;
-    for (auto const &s : mSchemas) prefixes.insert(s.prefix);
-    for (auto const &p : mPanels) panels.insert(p.name);
+    for (auto const &s : mSchemas)
+        prefixes.insert(s.prefix);
+    for (auto const &p : mPanels)
+        panels.insert(p.name);
     for (char const *prefix : {"dc", "xmp", "xmpRights", "xmpMM", "photoshop", "Iptc4xmpCore", "Iptc4xmpExt", "exif",
                                "exifEX", "tiff", "aux", "pdf", "crs", "xmpDM", "plus"})
         EXPECT_TRUE(prefixes.count(QString::fromUtf8(prefix))) << "missing schema " << prefix;
@@ -352,10 +367,12 @@ TEST_F(StandardDefinitionsTest, EveryStandardFileIsPresentAndCompiledIn)
     // folder: a file left out of kivmetadata.qrc never loads.
     ASSERT_TRUE(kivmetadata::Initialize());
     for (QString sub : {QStringLiteral("definitions"), QStringLiteral("panels")}) {
-        QStringList compiled = QDir(QStringLiteral(":/kivmetadata/") + sub).entryList({QStringLiteral("*.xml")}, QDir::Files, QDir::Name);
+        QStringList compiled =
+            QDir(QStringLiteral(":/kivmetadata/") + sub).entryList({QStringLiteral("*.xml")}, QDir::Files, QDir::Name);
         EXPECT_EQ(compiled, XmlFiles(sub)) << sub.toStdString();
         for (auto const &f : compiled) {
-            QFile source(ResourceFolder() + u'/' + sub + u'/' + f), resource(QStringLiteral(":/kivmetadata/") + sub + u'/' + f);
+            QFile source(ResourceFolder() + u'/' + sub + u'/' + f),
+                resource(QStringLiteral(":/kivmetadata/") + sub + u'/' + f);
             ASSERT_TRUE(source.open(QIODevice::ReadOnly) && resource.open(QIODevice::ReadOnly));
             EXPECT_EQ(source.readAll(), resource.readAll()) << f.toStdString() << " is stale in the resources";
         }
@@ -399,7 +416,8 @@ TEST_F(StandardDefinitionsTest, SchemasAndPropertiesAreWellFormed)
             EXPECT_TRUE(d.type.isEmpty()) << where << ": a struct has no primitive type";
             std::set<std::pair<QString, QString>> names;
             for (auto const &f : d.fields)
-                EXPECT_TRUE(names.emplace(f.prefix, f.name).second) << where << ": field " << f.name.toStdString() << " twice";
+                EXPECT_TRUE(names.emplace(f.prefix, f.name).second)
+                    << where << ": field " << f.name.toStdString() << " twice";
         } else {
             EXPECT_TRUE(d.fields.empty()) << where << ": fields on a value that is not a struct";
             EXPECT_TRUE(types.count(d.type)) << where << ": type '" << d.type.toStdString() << "'";
@@ -412,7 +430,8 @@ TEST_F(StandardDefinitionsTest, SchemasAndPropertiesAreWellFormed)
     for (auto const &s : mSchemas) {
         std::set<QString> names;
         for (auto const &p : s.props)
-            EXPECT_TRUE(names.insert(p.name).second) << s.prefix.toStdString() << ":" << p.name.toStdString() << " defined twice";
+            EXPECT_TRUE(names.insert(p.name).second)
+                << s.prefix.toStdString() << ":" << p.name.toStdString() << " defined twice";
     }
 }
 
@@ -431,7 +450,8 @@ TEST_F(StandardDefinitionsTest, TypeIdsAndChoicesAreConsistent)
         EXPECT_TRUE(mTypes.count(QString::fromUtf8(id))) << id;
     EXPECT_EQ(mTypes[QStringLiteral("rating")].type, QStringLiteral("real"));
 
-    auto checkChoices = [](std::vector<std::pair<QString, QString>> const &choices, bool integers, std::string const &where) {
+    auto checkChoices = [](std::vector<std::pair<QString, QString>> const &choices, bool integers,
+                           std::string const &where) {
         std::set<QString> values;
         for (auto const &[value, label] : choices) {
             EXPECT_TRUE(values.insert(value).second) << where << ": choice " << value.toStdString() << " twice";
@@ -443,7 +463,8 @@ TEST_F(StandardDefinitionsTest, TypeIdsAndChoicesAreConsistent)
             }
         }
     };
-    for (auto const &[id, t] : mTypes) checkChoices(t.choices, id == QStringLiteral("integer"), "type " + id.toStdString());
+    for (auto const &[id, t] : mTypes)
+        checkChoices(t.choices, id == QStringLiteral("integer"), "type " + id.toStdString());
 
     ForEachDef([&](Def const &d, std::string const &where) {
         if (!d.typeId.isEmpty()) {
@@ -455,10 +476,12 @@ TEST_F(StandardDefinitionsTest, TypeIdsAndChoicesAreConsistent)
         }
         if (d.type == QStringLiteral("boolean")) {
             for (auto const &[value, label] : d.choices)
-                EXPECT_TRUE(value == QStringLiteral("True") || value == QStringLiteral("False")) << where << ": " << value.toStdString();
+                EXPECT_TRUE(value == QStringLiteral("True") || value == QStringLiteral("False"))
+                    << where << ": " << value.toStdString();
         }
         // Every XMP date is edited with the date control.
-        if (d.name.contains(QStringLiteral("Date")) && d.type == QStringLiteral("text") && !d.name.contains(QStringLiteral("Circa"))) {
+        if (d.name.contains(QStringLiteral("Date")) && d.type == QStringLiteral("text") &&
+            !d.name.contains(QStringLiteral("Circa"))) {
             EXPECT_EQ(d.typeId, QStringLiteral("date")) << where;
         }
     });
@@ -510,7 +533,8 @@ TEST_F(StandardDefinitionsTest, KeyPropertiesHaveTheirXmpForms)
     auto values = [&](char const *path) {
         QStringList out;
         if (Def const *d = Resolve(QString::fromUtf8(path))) {
-            for (auto const &c : ChoicesOf(*d)) out << c.first;
+            for (auto const &c : ChoicesOf(*d))
+                out << c.first;
         }
         return out.join(u' ').toStdString();
     };
@@ -541,7 +565,8 @@ TEST_F(StandardDefinitionsTest, PanelsNameDefinedPropertiesWithKnownAttributes)
         EXPECT_TRUE(names.insert(p.name).second) << file << ": panel name used twice";
         EXPECT_TRUE(IsLocalisedText(p.label)) << file << ": label";
         EXPECT_FALSE(p.items.empty()) << file;
-        for (auto const &label : p.sectionLabels) EXPECT_TRUE(IsLocalisedText(label)) << file << ": section label";
+        for (auto const &label : p.sectionLabels)
+            EXPECT_TRUE(IsLocalisedText(label)) << file << ": section label";
 
         std::set<QString> paths;
         for (auto const &item : p.items) {
@@ -555,8 +580,7 @@ TEST_F(StandardDefinitionsTest, PanelsNameDefinedPropertiesWithKnownAttributes)
             }
             if (item.kind == QStringLiteral("struct")) {
                 EXPECT_EQ(d->form, QStringLiteral("struct")) << where;
-            }
-            else if (item.kind == QStringLiteral("array"))
+            } else if (item.kind == QStringLiteral("array"))
                 EXPECT_TRUE(d->IsArray()) << where;
             else
                 EXPECT_EQ(item.kind, QStringLiteral("property")) << where;
@@ -564,7 +588,8 @@ TEST_F(StandardDefinitionsTest, PanelsNameDefinedPropertiesWithKnownAttributes)
             for (auto const &[key, value] : item.attributes) {
                 EXPECT_TRUE(attributes.count(key)) << where << ": unknown attribute " << key.toStdString();
                 if (booleans.count(key)) {
-                    EXPECT_TRUE(value == QStringLiteral("true") || value == QStringLiteral("false")) << where << ": " << key.toStdString();
+                    EXPECT_TRUE(value == QStringLiteral("true") || value == QStringLiteral("false"))
+                        << where << ": " << key.toStdString();
                 }
                 if (key == QStringLiteral("size") || key == QStringLiteral("multiLines")) {
                     EXPECT_GT(value.toInt(), 0) << where << ": " << key.toStdString();
@@ -597,13 +622,15 @@ TEST_F(StandardDefinitionsTest, ModelLoadsEverySchemaAndResolvesEveryPanelPath)
 
     std::function<std::size_t(Def const &)> countDefs = [&](Def const &d) {
         std::size_t n = 1;
-        for (auto const &f : d.fields) n += countDefs(f);
+        for (auto const &f : d.fields)
+            n += countDefs(f);
         return n;
     };
     std::function<std::size_t(kivmetadata::PropertyDefinition const &)> countModel =
         [&](kivmetadata::PropertyDefinition const &d) {
             std::size_t n = 1;
-            for (auto const &f : d.mFields) n += countModel(*f);
+            for (auto const &f : d.mFields)
+                n += countModel(*f);
             return n;
         };
     for (auto const &s : mSchemas) {
@@ -611,8 +638,10 @@ TEST_F(StandardDefinitionsTest, ModelLoadsEverySchemaAndResolvesEveryPanelPath)
         ASSERT_TRUE(schema) << s.prefix.toStdString();
         EXPECT_EQ(schema->mPrefix, s.prefix.toStdString());
         std::size_t inFile = 0, inModel = 0;
-        for (auto const &p : s.props) inFile += countDefs(p);
-        for (auto const &p : schema->mProperties) inModel += countModel(*p);
+        for (auto const &p : s.props)
+            inFile += countDefs(p);
+        for (auto const &p : schema->mProperties)
+            inModel += countModel(*p);
         EXPECT_EQ(inModel, inFile) << s.prefix.toStdString() << ": properties and fields lost on reading";
     }
     for (auto const &[id, t] : mTypes) {
@@ -620,7 +649,7 @@ TEST_F(StandardDefinitionsTest, ModelLoadsEverySchemaAndResolvesEveryPanelPath)
     }
 
     std::function<void(kivmetadata::Path const &, std::string const &)> checkPath = [&](kivmetadata::Path const &path,
-                                                                                         std::string const &where) {
+                                                                                        std::string const &where) {
         auto definition = kivmetadata::PathEntryDefinition(path);
         if (!definition) {
             ADD_FAILURE() << where << ": no definition for " << path.mNamespace << " " << path.mPath;
@@ -632,6 +661,11 @@ TEST_F(StandardDefinitionsTest, ModelLoadsEverySchemaAndResolvesEveryPanelPath)
         if (definition->IsStruct()) {
             for (auto const &field : definition->mFields)
                 checkPath(kivmetadata::CreatePathFromStructField(path, *field), where);
+        } else if (definition->IsArray() && definition->mItemForm == kivmetadata::ValueForm::kStruct) {
+            checkPath(kivmetadata::CreatePathFromArrayItem(path, 1), where);
+        } else {
+            // The control factory makes no control for a value without one.
+            EXPECT_TRUE(kivmetadata::PrimitiveTypeOfPath(path).has_value()) << where << ": no primitive type";
         }
     };
     for (auto const &p : mPanels) {
@@ -662,13 +696,24 @@ struct ExiftoolTag {
 // exiftool's XMP tags of the schemas defined here, by our prefix.
 std::multimap<QString, ExiftoolTag> ExiftoolTags(QString const &exiftool)
 {
-    static std::map<QString, QString> const tableToPrefix{
-        {"XMP::dc", "dc"}, {"XMP::xmp", "xmp"}, {"XMP::xmpRights", "xmpRights"}, {"XMP::xmpMM", "xmpMM"},
-        {"XMP::photoshop", "photoshop"}, {"XMP::iptcCore", "Iptc4xmpCore"}, {"XMP::iptcExt", "Iptc4xmpExt"},
-        {"XMP::exif", "exif"}, {"XMP::exifEX", "exifEX"}, {"XMP::tiff", "tiff"}, {"XMP::aux", "aux"},
-        {"XMP::pdf", "pdf"}, {"XMP::crs", "crs"}, {"XMP::xmpDM", "xmpDM"}, {"PLUS::XMP", "plus"}};
+    static std::map<QString, QString> const tableToPrefix{{"XMP::dc", "dc"},
+                                                          {"XMP::xmp", "xmp"},
+                                                          {"XMP::xmpRights", "xmpRights"},
+                                                          {"XMP::xmpMM", "xmpMM"},
+                                                          {"XMP::photoshop", "photoshop"},
+                                                          {"XMP::iptcCore", "Iptc4xmpCore"},
+                                                          {"XMP::iptcExt", "Iptc4xmpExt"},
+                                                          {"XMP::exif", "exif"},
+                                                          {"XMP::exifEX", "exifEX"},
+                                                          {"XMP::tiff", "tiff"},
+                                                          {"XMP::aux", "aux"},
+                                                          {"XMP::pdf", "pdf"},
+                                                          {"XMP::crs", "crs"},
+                                                          {"XMP::xmpDM", "xmpDM"},
+                                                          {"PLUS::XMP", "plus"}};
     QProcess process;
-    process.start(exiftool, {QStringLiteral("-listx"), QStringLiteral("-f"), QStringLiteral("-lang"), QStringLiteral("en")});
+    process.start(exiftool,
+                  {QStringLiteral("-listx"), QStringLiteral("-f"), QStringLiteral("-lang"), QStringLiteral("en")});
     process.waitForFinished(120000);
     QXmlStreamReader xml(process.readAllStandardOutput());
     std::multimap<QString, ExiftoolTag> tags;
@@ -685,8 +730,12 @@ std::multimap<QString, ExiftoolTag> ExiftoolTags(QString const &exiftool)
             prefix = it->second;
             group = a.value(QLatin1String("g1")).toString();
         } else if (xml.name() == QStringLiteral("tag")) {
-            ExiftoolTag tag{group, a.value(QLatin1String("id")).toString(), a.value(QLatin1String("name")).toString(),
-                            a.value(QLatin1String("type")).toString(), a.value(QLatin1String("struct")).toString(), {},
+            ExiftoolTag tag{group,
+                            a.value(QLatin1String("id")).toString(),
+                            a.value(QLatin1String("name")).toString(),
+                            a.value(QLatin1String("type")).toString(),
+                            a.value(QLatin1String("struct")).toString(),
+                            {},
                             a.value(QLatin1String("flags")).toString().split(u',')};
             while (xml.readNextStartElement()) {
                 if (xml.name() == QStringLiteral("values") && xml.readNextStartElement() && tag.firstValue.isEmpty())
@@ -746,12 +795,13 @@ TEST_F(StandardDefinitionsTest, AgreesWithExiftool)
         Def const *d = tag.parent.isEmpty() ? mByPrefix.at(prefix)->Find(tag.id) : nullptr;
         if (!tag.parent.isEmpty() && tag.type != QStringLiteral("struct")) {
             // One value for every struct field, raw (-n) so choices take their code.
-            QString value = !tag.firstValue.isEmpty()                    ? tag.firstValue
-                            : tag.type == QStringLiteral("date")         ? QStringLiteral("2021:06:30 12:00:00")
-                            : tag.type == QStringLiteral("boolean")      ? QStringLiteral("True")
-                            : tag.type == QStringLiteral("rational")     ? QStringLiteral("1/2")
-                            : tag.type == QStringLiteral("integer") || tag.type == QStringLiteral("real") ? QStringLiteral("1")
-                                                                         : QStringLiteral("x");
+            QString value = !tag.firstValue.isEmpty()                ? tag.firstValue
+                            : tag.type == QStringLiteral("date")     ? QStringLiteral("2021:06:30 12:00:00")
+                            : tag.type == QStringLiteral("boolean")  ? QStringLiteral("True")
+                            : tag.type == QStringLiteral("rational") ? QStringLiteral("1/2")
+                            : tag.type == QStringLiteral("integer") || tag.type == QStringLiteral("real")
+                                ? QStringLiteral("1")
+                                : QStringLiteral("x");
             writes << QStringLiteral("-%1:%2=%3").arg(tag.group, tag.name, value);
         }
         if (!d) continue;
@@ -786,7 +836,9 @@ TEST_F(StandardDefinitionsTest, AgreesWithExiftool)
     QString sidecar = dir.filePath(QStringLiteral("fields.xmp")), args = dir.filePath(QStringLiteral("args.txt"));
     QFile argFile(args);
     ASSERT_TRUE(argFile.open(QIODevice::WriteOnly));
-    argFile.write((QStringList{QStringLiteral("-n"), QStringLiteral("-m"), QStringLiteral("-o"), sidecar} + writes).join(u'\n').toUtf8());
+    argFile.write((QStringList{QStringLiteral("-n"), QStringLiteral("-m"), QStringLiteral("-o"), sidecar} + writes)
+                      .join(u'\n')
+                      .toUtf8());
     argFile.close();
     QProcess process;
     process.start(exiftool, {QStringLiteral("-@"), args});
@@ -795,7 +847,8 @@ TEST_F(StandardDefinitionsTest, AgreesWithExiftool)
     ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << process.readAllStandardError().toStdString();
 
     std::map<QString, Schema const *> byNamespace;
-    for (auto const &s : mSchemas) byNamespace[s.ns] = &s;
+    for (auto const &s : mSchemas)
+        byNamespace[s.ns] = &s;
     QXmlStreamReader xml(&file);
     int checked = 0;
     while (!xml.atEnd()) {
