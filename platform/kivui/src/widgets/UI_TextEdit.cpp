@@ -68,9 +68,8 @@ bool TextEditWatcher::eventFilter(QObject *, QEvent *inEvent)
         bool const isReturn = key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter;
         if (isReturn && mEdit->d->line) {
             mEdit->CommitEditing();
-            if (mEdit->IsEditing()) return true; // refused: stay put
-            // Committed; the next keystroke starts a new edit.
-            mEdit->BeginEditing();
+            // Refused or committed, Return stays here; after a commit the
+            // next keystroke starts a new edit.
             return true;
         }
         if (key->key() == Qt::Key_Escape && mEdit->d->editing) {
@@ -232,7 +231,6 @@ void UI_TextEdit::BeginEditing()
 {
     if (d->editing || d->readOnly || IsDisabled()) return;
     d->editing = true;
-    d->committed = GetValue();
     NotifyInteractively(UI_InteractiveControlChangedMessage::kBeginEditing);
 }
 

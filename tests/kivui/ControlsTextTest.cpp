@@ -1,0 +1,339 @@
+#include <kivui/ScriptedResponses.h>
+#include <kivui/UI_AutoCompleteTextEdit.h>
+#include <kivui/UI_DragableTextEdit.h>
+#include <kivui/UI_NodeManager.h>
+#include <kivui/UI_SubView.h>
+#include <kivui/UI_TextEdit.h>
+#include <kivui/UI_TextEdit_MS.h>
+#include <kivui/UI_URLEdit.h>
+
+#include <gtest/gtest.h>
+
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QCompleter>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QScrollBar>
+#include <QTest>
+#include <QToolButton>
+
+#include <memory>
+#include <vector>
+
+using kivcore::RectF;
+using kivcore::utility::IntrusivePtr;
+using kivcore::utility::MakeIntrusive;
+
+namespace kivui {
+namespace {
+
+// Collects what a control reports.
+struct Listener {
+    std::vector<int> interactive;
+    int changed = 0;
+    MessageHandler onInteractive = std::make_shared<std::function<void(Message *)>>([this](Message *m) {
+        auto *message = dynamic_cast<UI_InteractiveControlChangedMessage *>(m);
+        ASSERT_NE(message, nullptr);
+        interactive.push_back(message->GetChangeMessage());
+    });
+    MessageHandler onChanged = std::make_shared<std::function<void(Message *)>>([this](Message *) { ++changed; });
+
+    void Attach(UI_InteractiveControlView &control)
+    {
+        control.NotifyWhenChangedInteractively(onInteractive);
+        control.NotifyWhenChanged(onChanged);
+    }
+    // Interactive messages without the 1s of each keystroke.
+    std::vector<int> Stages() const
+    {
+        std::vector<int> out;
+        for (int m : interactive)
+            if (m != 1) out.push_back(m);
+        return out;
+    }
+};
+
+class ControlsTextTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        dialogs::ScriptedResponses::Clear();
+        dialogs::ScriptedResponses::ClearHistory();
+        window->UI_SetGlobalStructureRect(RectF{50, 50, 400, 300});
+        window->ChildPushBack(other);
+        other->UI_SetLocalRectF(RectF{0, 250, 100, 22});
+        window->UI_Show(true);
+        QApplication::setActiveWindow(window->UI_GetWidget());
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window->UI_GetWidget()));
+    }
+    void TearDown() override { window->UI_Show(false); }
+
+    template <typename T>
+    IntrusivePtr<T> Add(IntrusivePtr<T> control)
+    {
+        window->ChildPushBack(control);
+        RectF r = control->UI_GetLocalRectF(false);
+        r.width = 200;
+        control->UI_SetLocalRectF(r.Offset(10, 10));
+        return control;
+    }
+
+    IntrusivePtr<UI_SubView> window = MakeIntrusive<UI_SubView>();
+    IntrusivePtr<UI_TextEdit> other = MakeIntrusive<UI_TextEdit>();
+};
+
+TEST_F(ControlsTextTest, EditingSendsBeginChangesAndEndOnReturnOrFocusLoss)
+{
+    auto edit = Add(MakeIntrusive<UI_TextEdit>());
+    Listener listener;
+    listener.Attach(*edit);
+
+    edit->UI_SetFocus();
+    EXPECT_TRUE(edit->IsEditing());
+    QTest::keyClicks(edit->GetLineEdit(), "abc");
+    EXPECT_EQ(listener.interactive, (std::vector<int>{0, 1, 1, 1}));
+    EXPECT_EQ(listener.changed, 0);
+    QTest::keyClick(edit->GetLineEdit(), Qt::Key_Return);
+    EXPECT_EQ(listener.Stages(), (std::vector<int>{0, 2}));
+    EXPECT_EQ(listener.changed, 1);
+    EXPECT_EQ(edit->GetValue(), u"abc");
+    EXPECT_TRUE(edit->UI_HasFocus());
+
+    // Typing again starts a new edit; leaving the field commits it.
+    QTest::keyClicks(edit->GetLineEdit(), "d");
+    other->UI_SetFocus();
+    EXPECT_FALSE(edit->IsEditing());
+    EXPECT_EQ(listener.Stages(), (std::vector<int>{0, 2, 0, 2}));
+    EXPECT_EQ(listener.changed, 2);
+    EXPECT_EQ(edit->GetValue(), u"abcd");
+
+    // Focus in and out without a change ends the edit but reports no change.
+    edit->UI_SetFocus();
+    other->UI_SetFocus();
+    EXPECT_EQ(listener.Stages(), (std::vector<int>{0, 2, 0, 2, 0, 2}));
+    EXPECT_EQ(listener.changed, 2);
+
+    // A handler emptied in place is skipped: that is how callers disconnect.
+    *listener.onChanged = nullptr;
+    edit->SetValue(u"x", true);
+    EXPECT_EQ(listener.changed, 2);
+}
+
+TEST_F(ControlsTextTest, SetValueNotifiesOnlyWhenAskedAndChanged)
+{
+    auto edit = Add(MakeIntrusive<UI_TextEdit>());
+    Listener listener;
+    listener.Attach(*edit);
+    edit->SetValue(u"one", false);
+    EXPECT_EQ(listener.changed, 0);
+    edit->SetValue(u"two", true);
+    EXPECT_EQ(listener.changed, 1);
+    edit->SetValue(u"two", true);
+    EXPECT_EQ(listener.changed, 1);
+    EXPECT_EQ(edit->GetValue(), u"two");
+    EXPECT_TRUE(listener.interactive.empty());
+}
+
+TEST_F(ControlsTextTest, UnknownStateShowsItsTextAsPlaceholderWithAnEmptyValue)
+{
+    auto edit = Add(MakeIntrusive<UI_TextEdit>());
+    edit->SetValue(u"old", false);
+    edit->SetUnknownStateText(u"<Multiple Values>");
+    edit->SetValueUnknown(true);
+    EXPECT_TRUE(edit->IsValueUnknown());
+    EXPECT_FALSE(edit->IsValueKnown());
+    EXPECT_EQ(edit->GetValue(), u"");
+    EXPECT_EQ(edit->GetUnknownStateText(), u"<Multiple Values>");
+    EXPECT_EQ(edit->GetLineEdit()->placeholderText(), QStringLiteral("<Multiple Values>"));
+
+    // Typing gives the control a known value again.
+    edit->UI_SetFocus();
+    QTest::keyClicks(edit->GetLineEdit(), "n");
+    EXPECT_TRUE(edit->IsValueKnown());
+    // So does setting a value.
+    edit->SetValueUnknown(true);
+    edit->SetValue(u"v", false);
+    EXPECT_FALSE(edit->IsValueUnknown());
+}
+
+TEST_F(ControlsTextTest, ReadOnlyTextCannotBeTypedIntoButStaysSelectable)
+{
+    auto edit = Add(MakeIntrusive<UI_TextEdit>());
+    auto multi = Add(MakeIntrusive<UI_TextEdit_MS>());
+    Listener listener;
+    listener.Attach(*edit);
+    for (UI_TextEdit *e : {edit.get(), static_cast<UI_TextEdit *>(multi.get())}) {
+        e->SetValue(u"fixed", false);
+        e->SetReadOnlyMode(true);
+        EXPECT_TRUE(e->IsReadOnlyMode());
+        e->UI_SetFocus();
+        QTest::keyClicks(e->GetLineEdit() ? static_cast<QWidget *>(e->GetLineEdit())
+                                          : static_cast<QWidget *>(e->GetPlainTextEdit()->viewport()),
+                         "zz");
+        EXPECT_EQ(e->GetValue(), u"fixed");
+        EXPECT_FALSE(e->IsEditing());
+        e->SelectAll();
+        QString const selected = e->GetLineEdit() ? e->GetLineEdit()->selectedText()
+                                                  : e->GetPlainTextEdit()->textCursor().selectedText();
+        EXPECT_EQ(selected, QStringLiteral("fixed"));
+    }
+    EXPECT_TRUE(multi->GetPlainTextEdit()->textInteractionFlags() & Qt::TextSelectableByKeyboard);
+    EXPECT_TRUE(listener.interactive.empty());
+
+    edit->SetDisabled(true);
+    EXPECT_TRUE(edit->IsDisabled());
+    EXPECT_FALSE(edit->GetLineEdit()->isEnabled());
+    edit->SetEnabled(true);
+    EXPECT_TRUE(edit->GetLineEdit()->isEnabled());
+}
+
+class NoBadEdit : public UI_TextEdit {
+public:
+    std::optional<std::u16string> ValidateText(std::u16string const &text) const override
+    {
+        if (text == u"bad") return u"The text is not valid.";
+        return std::nullopt;
+    }
+};
+
+TEST_F(ControlsTextTest, RefusedTextShowsTheWarningAndStaysInTheField)
+{
+    auto edit = Add(MakeIntrusive<NoBadEdit>());
+    Listener listener;
+    listener.Attach(*edit);
+    edit->UI_SetFocus();
+    dialogs::ScriptedResponses::PushOk();
+    QTest::keyClicks(edit->GetLineEdit(), "bad");
+    QTest::keyClick(edit->GetLineEdit(), Qt::Key_Return);
+    ASSERT_EQ(dialogs::ScriptedResponses::History().size(), 1u);
+    EXPECT_EQ(dialogs::ScriptedResponses::History()[0].message, u"The text is not valid.");
+    EXPECT_EQ(edit->GetValue(), u"bad");
+    EXPECT_TRUE(edit->IsEditing());
+    EXPECT_EQ(listener.Stages(), (std::vector<int>{0}));
+    EXPECT_EQ(listener.changed, 0);
+
+    QTest::keyClick(edit->GetLineEdit(), Qt::Key_Backspace);
+    QTest::keyClick(edit->GetLineEdit(), Qt::Key_Return);
+    EXPECT_EQ(edit->GetValue(), u"ba");
+    EXPECT_EQ(listener.Stages(), (std::vector<int>{0, 2}));
+    EXPECT_EQ(listener.changed, 1);
+}
+
+TEST_F(ControlsTextTest, EmptyCommitRestoresThePreviousValueWhenEmptyIsNotAllowed)
+{
+    auto edit = Add(MakeIntrusive<UI_TextEdit>());
+    edit->SetValue(u"keep", false);
+    edit->SetAllowEmpty(false);
+    edit->UI_SetFocus();
+    edit->SelectAll();
+    QTest::keyClick(edit->GetLineEdit(), Qt::Key_Delete);
+    QTest::keyClick(edit->GetLineEdit(), Qt::Key_Return);
+    EXPECT_EQ(edit->GetValue(), u"keep");
+
+    edit->SetAllowEmpty(true);
+    edit->SelectAll();
+    QTest::keyClick(edit->GetLineEdit(), Qt::Key_Delete);
+    QTest::keyClick(edit->GetLineEdit(), Qt::Key_Return);
+    EXPECT_EQ(edit->GetValue(), u"");
+}
+
+TEST_F(ControlsTextTest, MultiLineEditKeepsLineBreaksAndCommitsOnFocusLoss)
+{
+    auto edit = Add(MakeIntrusive<UI_TextEdit_MS>());
+    EXPECT_EQ(edit->UI_GetWidget()->property("kivuiClass").toString(),
+              QString::fromLatin1(UI_TextEdit_MS::kClassName));
+    EXPECT_EQ(edit->GetPlainTextEdit()->verticalScrollBarPolicy(), Qt::ScrollBarAlwaysOn);
+    Listener listener;
+    listener.Attach(*edit);
+    edit->UI_SetFocus();
+    QTest::keyClicks(edit->GetPlainTextEdit()->viewport(), "a");
+    QTest::keyClick(edit->GetPlainTextEdit()->viewport(), Qt::Key_Return);
+    QTest::keyClicks(edit->GetPlainTextEdit()->viewport(), "b");
+    EXPECT_EQ(edit->GetValue(), u"a\nb");
+    EXPECT_TRUE(edit->IsEditing()); // Return is a line break here
+    other->UI_SetFocus();
+    EXPECT_EQ(listener.Stages(), (std::vector<int>{0, 2}));
+    EXPECT_EQ(listener.changed, 1);
+}
+
+TEST_F(ControlsTextTest, AutoCompleteOffersEntriesBeginningWithTheTypedText)
+{
+    auto edit = Add(MakeIntrusive<UI_AutoCompleteTextEdit>());
+    edit->SetEntryList({u"Apple", u"apricot", u"Banana"});
+    EXPECT_EQ(edit->GetEntryList().size(), 3u);
+    edit->UI_SetFocus();
+    QTest::keyClicks(edit->GetLineEdit(), "ap");
+    QCompleter *completer = edit->GetCompleter();
+    EXPECT_EQ(completer->completionPrefix(), QStringLiteral("ap"));
+    EXPECT_EQ(completer->completionCount(), 2);
+    completer->setCurrentRow(1);
+    EXPECT_EQ(completer->currentCompletion(), QStringLiteral("apricot"));
+
+    edit->SetEntryList({});
+    completer->setCompletionPrefix(QStringLiteral("ap"));
+    EXPECT_EQ(completer->completionCount(), 0);
+}
+
+TEST_F(ControlsTextTest, URLEditOpensItsAddressFromTheButton)
+{
+    std::vector<std::u16string> opened;
+    UI_URLEdit::SetOpener([&](std::u16string const &url) {
+        opened.push_back(url);
+        return true;
+    });
+    auto edit = Add(MakeIntrusive<UI_URLEdit>());
+    EXPECT_FALSE(edit->GetOpenButton()->isEnabled());
+    EXPECT_FALSE(edit->OpenURL());
+    edit->SetValue(u"https://example.com/a b", false);
+    EXPECT_TRUE(edit->GetOpenButton()->isEnabled());
+    QTest::mouseClick(edit->GetOpenButton(), Qt::LeftButton);
+    ASSERT_EQ(opened.size(), 1u);
+    EXPECT_EQ(opened[0], u"https://example.com/a b");
+
+    // The field and the button share the node's width.
+    edit->UI_SetLocalRectF(RectF{0, 0, 300, 22});
+    QRect const field = edit->GetLineEdit()->geometry();
+    QRect const button = edit->GetOpenButton()->geometry();
+    EXPECT_EQ(button.right(), 299);
+    EXPECT_LT(field.right(), button.left());
+    EXPECT_GT(field.width(), 250);
+    UI_URLEdit::SetOpener({});
+}
+
+TEST_F(ControlsTextTest, DraggableEditGrowsByWholeLinesFromItsBottomEdge)
+{
+    auto edit = Add(MakeIntrusive<UI_DragableTextEdit>());
+    int sizeChanges = 0;
+    edit->SetSizeChangedFxn(std::make_shared<std::function<void()>>([&] { ++sizeChanges; }));
+    edit->SetLineCount(2);
+    float const twoLines = edit->HeightForLines(2);
+    float const perLine = edit->HeightForLines(3) - twoLines;
+    ASSERT_GT(perLine, 5.0f);
+    EXPECT_EQ(edit->UI_GetLocalRectF(false).height, twoLines);
+    // The editor leaves the grip strip free.
+    EXPECT_EQ(edit->GetPlainTextEdit()->height(), int(twoLines - UI_DragableTextEdit::kGripHeight));
+
+    QWidget *frame = edit->UI_GetWidget();
+    int const gripY = frame->height() - 2;
+    QTest::mousePress(frame, Qt::LeftButton, {}, QPoint(50, gripY));
+    ASSERT_NE(UI_NodeManager::Get().GetInputCapture(), nullptr);
+    QTest::mouseMove(frame, QPoint(50, gripY + int(3 * perLine)));
+    EXPECT_EQ(edit->GetLineCount(), 5);
+    QTest::mouseRelease(frame, Qt::LeftButton, {}, QPoint(50, gripY + int(3 * perLine)));
+    EXPECT_EQ(UI_NodeManager::Get().GetInputCapture(), nullptr);
+    EXPECT_EQ(edit->UI_GetLocalRectF(false).height, edit->HeightForLines(5));
+    EXPECT_EQ(sizeChanges, 1);
+
+    // Dragging far up stops at one line.
+    QTest::mousePress(frame, Qt::LeftButton, {}, QPoint(50, frame->height() - 2));
+    QTest::mouseMove(frame, QPoint(50, -500));
+    QTest::mouseRelease(frame, Qt::LeftButton, {}, QPoint(50, -500));
+    EXPECT_EQ(edit->GetLineCount(), 1);
+    // A press above the grip is the editor's, not a drag.
+    QTest::mousePress(frame, Qt::LeftButton, {}, QPoint(50, 2));
+    EXPECT_EQ(UI_NodeManager::Get().GetInputCapture(), nullptr);
+}
+
+} // namespace
+} // namespace kivui
