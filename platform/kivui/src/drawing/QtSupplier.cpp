@@ -8,6 +8,7 @@
 
 #include <cmath>
 #include <optional>
+#include <unordered_map>
 #include <vector>
 
 namespace kivui::drawbot {
@@ -42,12 +43,17 @@ struct QtSupplier::Private {
     mutable std::vector<Entry> cache;
     mutable QFont cachedBase;
     mutable bool haveCachedBase = false;
+    // Panels measure the same labels again and again; shaping is the cost.
+    // Keyed by the font entry's index in `cache` followed by the text.
+    mutable std::unordered_map<std::u16string, kivcore::PointF> measured;
+    static constexpr std::size_t kMaxMeasured = 2048;
 
     QFont Base() const
     {
         QFont base = fixedBase ? *fixedBase : QGuiApplication::font();
         if (!haveCachedBase || !(base == cachedBase)) {
             cache.clear();
+            measured.clear();
             cachedBase = base;
             haveCachedBase = true;
         }
@@ -99,8 +105,14 @@ float QtSupplier::GetDefaultFontSize() const
 kivcore::PointF QtSupplier::MeasureText(std::u16string_view text, float fontSize, std::string_view style) const
 {
     auto const &e = d->Lookup(fontSize, style);
+    std::u16string key(1, static_cast<char16_t>(&e - d->cache.data()));
+    key += text;
+    if (auto it = d->measured.find(key); it != d->measured.end()) return it->second;
     QString const s = QString::fromUtf16(text.data(), static_cast<qsizetype>(text.size()));
-    return {RoundUp(e.metrics.horizontalAdvance(s)), RoundUp(e.metrics.height())};
+    kivcore::PointF const size{RoundUp(e.metrics.horizontalAdvance(s)), RoundUp(e.metrics.height())};
+    if (d->measured.size() >= Private::kMaxMeasured) d->measured.clear();
+    d->measured.emplace(std::move(key), size);
+    return size;
 }
 
 float QtSupplier::GetLineHeight(float fontSize, std::string_view style) const

@@ -1,0 +1,3 @@
+kiv_add_benchmark(kivuiDialogsBench
+  SOURCES ${CMAKE_CURRENT_LIST_DIR}/DialogsBench.cpp
+  LINK kivui Qt6::Widgets)
