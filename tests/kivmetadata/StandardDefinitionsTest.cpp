@@ -98,18 +98,26 @@ QStringList XmlFiles(QString const &sub)
     return dir.entryList({QStringLiteral("*.xml")}, QDir::Files, QDir::Name);
 }
 
+// An attribute's value, or the fallback when it is absent.
+QString Attr(QXmlStreamAttributes const &a, char const *name, QString const &fallback = {})
+{
+    QLatin1String key(name);
+    return a.hasAttribute(key) ? a.value(key).toString() : fallback;
+}
+
 void ReadChoice(QXmlStreamReader &xml, std::vector<std::pair<QString, QString>> &choices)
 {
     auto a = xml.attributes();
-    choices.emplace_back(a.value(QLatin1String("value")).toString(), a.value(QLatin1String("label")).toString());
+    choices.emplace_back(Attr(a, "value"), Attr(a, "label"));
     xml.skipCurrentElement();
 }
 
-void ReadNumber(QXmlStreamAttributes const &a, QLatin1String key, bool &has, double &value)
+void ReadNumber(QXmlStreamAttributes const &a, char const *name, bool &has, double &value)
 {
+    QLatin1String key(name);
     if (!a.hasAttribute(key)) return;
     value = a.value(key).toDouble(&has);
-    if (!has) ADD_FAILURE() << "not a number: " << key.data() << "=" << a.value(key).toString().toStdString();
+    if (!has) ADD_FAILURE() << "not a number: " << name << "=" << a.value(key).toString().toStdString();
 }
 
 // Reads the <property> or <field> the reader stands on; a field without its
@@ -119,19 +127,17 @@ Def ReadDef(QXmlStreamReader &xml, Schema const &schema)
     Def d;
     auto a = xml.attributes();
     d.line = xml.lineNumber();
-    d.name = a.value(QLatin1String("name")).toString();
-    d.ns = a.hasAttribute(QLatin1String("namespace")) ? a.value(QLatin1String("namespace")).toString() : schema.ns;
-    d.prefix = a.hasAttribute(QLatin1String("prefix")) ? a.value(QLatin1String("prefix")).toString() : schema.prefix;
-    d.form =
-        a.hasAttribute(QLatin1String("form")) ? a.value(QLatin1String("form")).toString() : QStringLiteral("simple");
-    d.itemForm = a.hasAttribute(QLatin1String("itemForm")) ? a.value(QLatin1String("itemForm")).toString()
-                                                           : QStringLiteral("simple");
-    d.type = a.value(QLatin1String("type")).toString();
-    d.typeId = a.value(QLatin1String("typeId")).toString();
-    d.label = a.value(QLatin1String("label")).toString();
-    d.description = a.value(QLatin1String("description")).toString();
-    ReadNumber(a, QLatin1String("min"), d.hasMin, d.min);
-    ReadNumber(a, QLatin1String("max"), d.hasMax, d.max);
+    d.name = Attr(a, "name");
+    d.ns = Attr(a, "namespace", schema.ns);
+    d.prefix = Attr(a, "prefix", schema.prefix);
+    d.form = Attr(a, "form", QStringLiteral("simple"));
+    d.itemForm = Attr(a, "itemForm", QStringLiteral("simple"));
+    d.type = Attr(a, "type");
+    d.typeId = Attr(a, "typeId");
+    d.label = Attr(a, "label");
+    d.description = Attr(a, "description");
+    ReadNumber(a, "min", d.hasMin, d.min);
+    ReadNumber(a, "max", d.hasMax, d.max);
     while (xml.readNextStartElement()) {
         if (xml.name() == QStringLiteral("choice"))
             ReadChoice(xml, d.choices);
@@ -193,10 +199,10 @@ class StandardDefinitionsTest : public ::testing::Test {
         Schema s;
         s.file = f;
         auto a = xml.attributes();
-        s.ns = a.value(QLatin1String("namespace")).toString();
-        s.prefix = a.value(QLatin1String("prefix")).toString();
-        s.label = a.value(QLatin1String("label")).toString();
-        s.description = a.value(QLatin1String("description")).toString();
+        s.ns = Attr(a, "namespace");
+        s.prefix = Attr(a, "prefix");
+        s.label = Attr(a, "label");
+        s.description = Attr(a, "description");
         while (xml.readNextStartElement()) {
             if (xml.name() == QStringLiteral("property"))
                 s.props.push_back(ReadDef(xml, s));
@@ -219,13 +225,13 @@ class StandardDefinitionsTest : public ::testing::Test {
                 continue;
             }
             auto a = xml.attributes();
-            QString id = a.value(QLatin1String("id")).toString();
+            QString id = Attr(a, "id");
             EXPECT_FALSE(mTypes.count(id)) << "type defined twice: " << id.toStdString();
             TypeDef &t = mTypes[id];
-            t.type = a.value(QLatin1String("type")).toString();
-            t.label = a.value(QLatin1String("label")).toString();
-            ReadNumber(a, QLatin1String("min"), t.hasMin, t.min);
-            ReadNumber(a, QLatin1String("max"), t.hasMax, t.max);
+            t.type = Attr(a, "type");
+            t.label = Attr(a, "label");
+            ReadNumber(a, "min", t.hasMin, t.min);
+            ReadNumber(a, "max", t.hasMax, t.max);
             while (xml.readNextStartElement()) {
                 if (xml.name() == QStringLiteral("choice"))
                     ReadChoice(xml, t.choices);
@@ -244,8 +250,8 @@ class StandardDefinitionsTest : public ::testing::Test {
         if (!Open(path, xml, file, QStringLiteral("panel"), kPanelNs)) return;
         Panel p;
         p.file = f;
-        p.name = xml.attributes().value(QLatin1String("name")).toString();
-        p.label = xml.attributes().value(QLatin1String("label")).toString();
+        p.name = Attr(xml.attributes(), "name");
+        p.label = Attr(xml.attributes(), "label");
         while (xml.readNextStartElement()) {
             if (xml.name() != QStringLiteral("section")) {
                 ADD_FAILURE() << f.toStdString() << ":" << xml.lineNumber()
@@ -253,7 +259,7 @@ class StandardDefinitionsTest : public ::testing::Test {
                 xml.skipCurrentElement();
                 continue;
             }
-            p.sectionLabels.push_back(xml.attributes().value(QLatin1String("label")).toString());
+            p.sectionLabels.push_back(Attr(xml.attributes(), "label"));
             while (xml.readNextStartElement()) {
                 PanelItem item;
                 item.kind = xml.name().toString();
@@ -722,24 +728,24 @@ std::multimap<QString, ExiftoolTag> ExiftoolTags(QString const &exiftool)
         if (xml.readNext() != QXmlStreamReader::StartElement) continue;
         auto a = xml.attributes();
         if (xml.name() == QStringLiteral("table")) {
-            auto it = tableToPrefix.find(a.value(QLatin1String("name")).toString());
+            auto it = tableToPrefix.find(Attr(a, "name"));
             if (it == tableToPrefix.end()) {
                 xml.skipCurrentElement();
                 continue;
             }
             prefix = it->second;
-            group = a.value(QLatin1String("g1")).toString();
+            group = Attr(a, "g1");
         } else if (xml.name() == QStringLiteral("tag")) {
             ExiftoolTag tag{group,
-                            a.value(QLatin1String("id")).toString(),
-                            a.value(QLatin1String("name")).toString(),
-                            a.value(QLatin1String("type")).toString(),
-                            a.value(QLatin1String("struct")).toString(),
+                            Attr(a, "id"),
+                            Attr(a, "name"),
+                            Attr(a, "type"),
+                            Attr(a, "struct"),
                             {},
-                            a.value(QLatin1String("flags")).toString().split(u',')};
+                            Attr(a, "flags").split(u',')};
             while (xml.readNextStartElement()) {
                 if (xml.name() == QStringLiteral("values") && xml.readNextStartElement() && tag.firstValue.isEmpty())
-                    tag.firstValue = xml.attributes().value(QLatin1String("id")).toString();
+                    tag.firstValue = Attr(xml.attributes(), "id");
                 xml.skipCurrentElement();
             }
             tags.emplace(prefix, tag);
