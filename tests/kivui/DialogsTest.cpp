@@ -5,6 +5,11 @@
 #include <kivui/UI_ArchivedDialog.h>
 #include <kivui/UI_Dialog.h>
 #include <kivui/UI_NodeFactory.h>
+#include <kivui/UI_Popup.h>
+#include <kivui/UI_RadioGroup.h>
+#include <kivui/UI_StaticText.h>
+#include <kivui/UI_TextButton.h>
+#include <kivui/UI_TextEdit.h>
 #include <kivui/UI_SubView.h>
 #include <kivui/drawbot/QtSupplier.h>
 
@@ -12,6 +17,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QDialog>
 #include <QLabel>
@@ -324,6 +330,58 @@ TEST_F(ArchivedDialogTest, LibrariesRegisterTheirOwnControlClasses)
     EXPECT_EQ(marked->text, u"Marked text");
     EXPECT_EQ(marked->UI_GetWidget()->geometry(), QRect(5, 6, 70, 20));
     EXPECT_EQ(dialog->UI_GetLocalRectF(false), (kivcore::RectF{0, 0, 200, 90}));
+}
+
+// An archived dialog like the toolkit's option dialogs: a radio group, a
+// popup and OK/Cancel text buttons, all toolkit controls.
+class OptionsDialog : public UI_ArchivedDialog {
+public:
+    OptionsDialog(kivui::drawbot::SupplierInterface *supplier, kivui::utility::ResourceManager const *resources)
+        : UI_ArchivedDialog(supplier, resources, "Options", u"Options")
+    {
+        group = FindControl<kivui::UI_RadioGroup>("optionsGroupID");
+        SetButtons(FindControl<kivui::UI_TextButton>("okButtonID").get(),
+                   FindControl<kivui::UI_TextButton>("cancelButtonID").get());
+    }
+    void DefaultCloseOk() override
+    {
+        chosen = group->GetValue();
+        UI_ArchivedDialog::DefaultCloseOk();
+    }
+    Ptr<kivui::UI_RadioGroup> group;
+    int chosen = -1;
+};
+
+TEST_F(ArchivedDialogTest, ArchiveControlsAreTheToolkitsControls)
+{
+    Ptr<OptionsDialog> dialog(new OptionsDialog(&mSupplier, &mResources));
+    EXPECT_EQ(dialog->group->CountButtons(), 3);
+    EXPECT_EQ(dialog->FindControl<kivui::UI_StaticText>("introID")->GetText(), u"How should the template be applied?");
+    auto popup = dialog->FindControl<kivui::UI_Popup>("popupID");
+    ASSERT_EQ(popup->CountItems(), 2);
+    EXPECT_EQ(popup->GetItemText(0), u"First");
+    auto ok = dialog->FindControl<kivui::UI_TextButton>("okButtonID");
+    EXPECT_EQ(ok->GetText(), u"OK");
+    EXPECT_EQ(dialog->FindControl<kivui::UI_TextButton>("cancelButtonID")->GetText(), u"Cancel");
+    EXPECT_THROW(dialog->FindControl<kivui::UI_TextEdit>("popupID"), kivcore::config::ErrorException);
+    EXPECT_THROW(dialog->FindControl<kivui::UI_RadioGroup>("okCancelGroupID"), kivcore::config::ErrorException);
+
+    // A user picks the third option and presses OK.
+    ScriptedResponses::PushAction(
+        [&dialog](QWidget *) {
+            auto buttons = dialog->group->UI_GetWidget()->findChildren<QAbstractButton *>();
+            ASSERT_EQ(buttons.size(), 3);
+            buttons[2]->click();
+        },
+        ScriptedAnswer::kOk);
+    EXPECT_TRUE(dialog->RunModal());
+    EXPECT_EQ(dialog->chosen, 2);
+
+    dialog->group->SetValue(0);
+    dialog->chosen = -1;
+    ScriptedResponses::PushAction([&ok](QWidget *) { QTest::mouseClick(ok->UI_GetWidget(), Qt::LeftButton); });
+    EXPECT_TRUE(dialog->RunModal());
+    EXPECT_EQ(dialog->chosen, 0);
 }
 
 } // namespace
