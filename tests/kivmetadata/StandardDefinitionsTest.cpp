@@ -493,6 +493,47 @@ TEST_F(StandardDefinitionsTest, TypeIdsAndChoicesAreConsistent)
     });
 }
 
+// A translator sees each key once: the same key must not carry two English
+// texts in different places.
+TEST_F(StandardDefinitionsTest, EachLocalisationKeyHasOneEnglishText)
+{
+    std::map<QString, QString> texts;
+    auto add = [&](QString const &keyWithDefault) {
+        int equals = keyWithDefault.indexOf(u'=');
+        if (equals < 0) return;
+        auto [it, added] = texts.emplace(keyWithDefault.left(equals), keyWithDefault.mid(equals + 1));
+        EXPECT_TRUE(added || it->second == keyWithDefault.mid(equals + 1))
+            << it->first.toStdString() << ": \"" << it->second.toStdString() << "\" and \""
+            << keyWithDefault.mid(equals + 1).toStdString() << "\"";
+    };
+    for (auto const &s : mSchemas) {
+        add(s.label);
+        add(s.description);
+    }
+    ForEachDef([&](Def const &d, std::string const &) {
+        add(d.label);
+        add(d.description);
+        for (auto const &c : d.choices)
+            add(c.second);
+    });
+    for (auto const &[id, t] : mTypes) {
+        add(t.label);
+        for (auto const &c : t.choices)
+            add(c.second);
+    }
+    for (auto const &p : mPanels) {
+        add(p.label);
+        for (auto const &label : p.sectionLabels)
+            add(label);
+        for (auto const &item : p.items) {
+            add(item.label);
+            for (auto const &c : item.choices)
+                add(c.second);
+        }
+    }
+    EXPECT_GT(texts.size(), 1000u);
+}
+
 // The value forms and types that the rest of the library relies on.
 TEST_F(StandardDefinitionsTest, KeyPropertiesHaveTheirXmpForms)
 {
