@@ -92,6 +92,9 @@ int UI_RadioGroup::AddButton(std::u16string const &inText, std::u16string const 
     int const index = CountButtons();
     mGroup->addButton(button, index);
     mLayout->addWidget(button);
+    // A child made after its parent was shown stays hidden, and the layout
+    // would ignore it.
+    button->show();
     FitToButtons();
     return index;
 }

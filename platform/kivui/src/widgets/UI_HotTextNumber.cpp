@@ -113,8 +113,12 @@ UI_HotTextNumber::UI_HotTextNumber() : UI_InteractiveControlView(new HotTextLine
     d->edit->setProperty("kivuiClass", QStringLiteral("UI_HotTextNumber"));
     d->edit->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     d->edit->setCursor(Qt::SizeHorCursor);
+    // A press must not focus the field: pressing starts a drag, and only a
+    // click without one starts typing.
+    d->edit->setFocusPolicy(Qt::TabFocus);
     ShowValue();
-    QObject::connect(d->edit, &QLineEdit::textEdited, d->edit, [this] { UI_ControlView::SetValueUnknown(false); });
+    // Typing after a commit (focus kept) starts the next edit.
+    QObject::connect(d->edit, &QLineEdit::textEdited, d->edit, [this] { BeginEditing(); });
     int const height = std::max(20, d->edit->sizeHint().height());
     UI_SetLocalRectF(kivcore::RectF{0, 0, 60, float(height)});
 }

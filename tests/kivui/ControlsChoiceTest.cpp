@@ -1,0 +1,444 @@
+#include <kivui/UI_Checkbox.h>
+#include <kivui/UI_Divider.h>
+#include <kivui/UI_HotTextNumber.h>
+#include <kivui/UI_PictureButton.h>
+#include <kivui/UI_Popup.h>
+#include <kivui/UI_RadioGroup.h>
+#include <kivui/UI_StarRating.h>
+#include <kivui/UI_StaticText.h>
+#include <kivui/UI_SubView.h>
+#include <kivui/UI_TextButton.h>
+#include <kivui/drawbot/Drawbot.h>
+#include <kivui/drawbot/QtSupplier.h>
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QStyle>
+#include <QStyleOptionButton>
+#include <QTest>
+#include <QToolButton>
+
+#include <cmath>
+#include <memory>
+#include <vector>
+
+using kivcore::RectF;
+using kivcore::utility::IntrusivePtr;
+using kivcore::utility::MakeIntrusive;
+
+namespace kivui {
+namespace {
+
+struct Listener {
+    std::vector<int> interactive;
+    int changed = 0;
+    MessageHandler onInteractive = std::make_shared<std::function<void(Message *)>>([this](Message *m) {
+        interactive.push_back(static_cast<UI_InteractiveControlChangedMessage *>(m)->GetChangeMessage());
+    });
+    MessageHandler onChanged = std::make_shared<std::function<void(Message *)>>([this](Message *) { ++changed; });
+
+    void Attach(UI_ControlView &control)
+    {
+        if (auto *interactiveControl = dynamic_cast<UI_InteractiveControlView *>(&control))
+            interactiveControl->NotifyWhenChangedInteractively(onInteractive);
+        control.NotifyWhenChanged(onChanged);
+    }
+};
+
+class ControlsChoiceTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        window->UI_SetGlobalStructureRect(RectF{50, 50, 400, 300});
+        window->UI_Show(true);
+        QApplication::setActiveWindow(window->UI_GetWidget());
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window->UI_GetWidget()));
+    }
+    void TearDown() override { window->UI_Show(false); }
+
+    template <typename T>
+    IntrusivePtr<T> Add(IntrusivePtr<T> control, float width = 200)
+    {
+        window->ChildPushBack(control);
+        RectF r = control->UI_GetLocalRectF(false);
+        r.width = width;
+        control->UI_SetLocalRectF(r.Offset(10, 10));
+        return control;
+    }
+
+    IntrusivePtr<UI_SubView> window = MakeIntrusive<UI_SubView>();
+};
+
+TEST_F(ControlsChoiceTest, CheckboxHasThreeStatesButTheUserTogglesOnlyTwo)
+{
+    auto box = Add(MakeIntrusive<UI_Checkbox>(u"Label"));
+    Listener listener;
+    listener.Attach(*box);
+    EXPECT_EQ(box->GetText(), u"Label");
+    struct Case {
+        UI_Checkbox::CheckboxValue value;
+        bool checked;
+        bool unknown;
+    };
+    for (Case c : {Case{UI_Checkbox::kChecked, true, false}, Case{UI_Checkbox::kMixed, false, true},
+                   Case{UI_Checkbox::kUnchecked, false, false}}) {
+        box->SetValue(c.value);
+        EXPECT_EQ(box->GetValue(), c.value);
+        EXPECT_EQ(box->IsChecked(), c.checked);
+        EXPECT_EQ(box->IsValueUnknown(), c.unknown);
+    }
+    EXPECT_EQ(listener.changed, 0); // only the user's changes are reported
+
+    box->SetValueUnknown(true);
+    EXPECT_EQ(box->GetValue(), UI_Checkbox::kMixed);
+    // Space on the focused box: mixed turns checked, then unchecked.
+    box->UI_SetFocus();
+    QTest::keyClick(box->GetCheckBox(), Qt::Key_Space);
+    EXPECT_EQ(box->GetValue(), UI_Checkbox::kChecked);
+    EXPECT_FALSE(box->IsValueUnknown());
+    QTest::keyClick(box->GetCheckBox(), Qt::Key_Space);
+    EXPECT_EQ(box->GetValue(), UI_Checkbox::kUnchecked);
+
+    // A click on the box itself (a wide check box is mostly label).
+    QStyleOptionButton option;
+    option.initFrom(box->GetCheckBox());
+    QRect const indicator = box->GetCheckBox()->style()->subElementRect(QStyle::SE_CheckBoxIndicator, &option,
+                                                                        box->GetCheckBox());
+    QTest::mouseClick(box->GetCheckBox(), Qt::LeftButton, {}, indicator.center());
+    EXPECT_EQ(box->GetValue(), UI_Checkbox::kChecked);
+    EXPECT_EQ(listener.changed, 3);
+    EXPECT_EQ(listener.interactive, (std::vector<int>{1, 1, 1}));
+
+    box->SetDisabled(true);
+    QTest::keyClick(box->GetCheckBox(), Qt::Key_Space);
+    EXPECT_EQ(box->GetValue(), UI_Checkbox::kChecked);
+    EXPECT_GT(UI_Checkbox::DefaultCheckSize(), 8.0f);
+}
+
+TEST_F(ControlsChoiceTest, PopupItemsSeparatorsDataAndValues)
+{
+    auto popup = Add(MakeIntrusive<UI_Popup>());
+    popup->AddItem(u"One", "1");
+    popup->AddItem(u"Two", "2");
+    popup->AddSeparator();
+    popup->AddItem(u"Three");
+    popup->AddItem(u"Four", "4");
+    popup->DisableItem(3);
+    EXPECT_EQ(popup->CountItems(), 5);
+    EXPECT_EQ(popup->GetItemData(0), std::optional<std::string>("1"));
+    EXPECT_EQ(popup->GetItemData(2), std::nullopt); // separator
+    EXPECT_EQ(popup->GetItemData(3), std::nullopt); // item without data
+    EXPECT_EQ(popup->GetItemData(9), std::nullopt);
+    EXPECT_EQ(popup->FindItemByData("4"), 4);
+    EXPECT_EQ(popup->FindItemByData("9"), -1);
+    EXPECT_FALSE(popup->IsItemEnabled(2));
+    EXPECT_FALSE(popup->IsItemEnabled(3));
+    EXPECT_TRUE(popup->IsItemEnabled(4));
+
+    popup->SetValue(1);
+    EXPECT_EQ(popup->GetValue(), 1);
+    EXPECT_EQ(popup->GetValueString(), u"Two");
+    popup->SetValueString(u"Four");
+    EXPECT_EQ(popup->GetValue(), 4);
+    popup->SetValueString(u"Five");
+    EXPECT_EQ(popup->GetValue(), -1);
+    popup->SetValue(17);
+    EXPECT_EQ(popup->GetValue(), -1);
+
+    // The user's choice skips the separator and the disabled item.
+    Listener listener;
+    listener.Attach(*popup);
+    popup->SetValue(1);
+    popup->UI_SetFocus();
+    QTest::keyClick(popup->GetComboBox(), Qt::Key_Down);
+    EXPECT_EQ(popup->GetValue(), 4);
+    EXPECT_EQ(listener.changed, 1);
+    EXPECT_EQ(listener.interactive, (std::vector<int>{1}));
+
+    popup->SetValueUnknown(true);
+    EXPECT_EQ(popup->GetValue(), -1);
+    popup->DeleteAllItems();
+    EXPECT_EQ(popup->CountItems(), 0);
+}
+
+TEST_F(ControlsChoiceTest, EditablePopupTakesAnyTextAndChoosesAMatchingItem)
+{
+    auto popup = Add(MakeIntrusive<UI_Popup>());
+    popup->AddItem(u"Red", "red");
+    popup->AddItem(u"Green", "green");
+    popup->SetPopupType(UI_Popup::kPopupTypeEditable);
+    EXPECT_EQ(popup->GetPopupType(), 1);
+    popup->SetValueString(u"Purple");
+    EXPECT_EQ(popup->GetValueString(), u"Purple");
+    EXPECT_EQ(popup->GetValue(), -1);
+
+    Listener listener;
+    listener.Attach(*popup);
+    QLineEdit *edit = popup->GetComboBox()->lineEdit();
+    ASSERT_NE(edit, nullptr);
+    popup->UI_SetFocus();
+    edit->selectAll();
+    QTest::keyClicks(edit, "Green");
+    QTest::keyClick(edit, Qt::Key_Return);
+    EXPECT_EQ(popup->GetValueString(), u"Green");
+    EXPECT_EQ(popup->GetValue(), 1);
+    EXPECT_EQ(popup->GetItemData(popup->GetValue()), std::optional<std::string>("green"));
+    EXPECT_EQ(listener.interactive, (std::vector<int>{0, 2}));
+    EXPECT_EQ(listener.changed, 1);
+
+    // An empty text is refused unless allowed.
+    edit->selectAll();
+    QTest::keyClick(edit, Qt::Key_Delete);
+    QTest::keyClick(edit, Qt::Key_Return);
+    EXPECT_EQ(popup->GetValueString(), u"Green");
+    popup->SetAllowEmpty(true);
+    edit->selectAll();
+    QTest::keyClick(edit, Qt::Key_Delete);
+    QTest::keyClick(edit, Qt::Key_Return);
+    EXPECT_EQ(popup->GetValueString(), u"");
+}
+
+TEST_F(ControlsChoiceTest, HotTextNumberFormatsClampsAndAllowsEmpty)
+{
+    auto number = Add(MakeIntrusive<UI_HotTextNumber>(), 80);
+    number->SetDecimalPlaces(2);
+    number->SetValue(1.25);
+    EXPECT_EQ(number->GetLineEdit()->text(), QStringLiteral("1.25"));
+    number->SetValue(2.0);
+    EXPECT_EQ(number->GetLineEdit()->text(), QStringLiteral("2.00"));
+    number->SetMinMax(0.0, 10.0);
+    number->SetValue(12.0);
+    EXPECT_EQ(number->GetValue(), 10.0);
+    number->SetValue(-3.0);
+    EXPECT_EQ(number->GetValue(), 0.0);
+
+    number->SetValue(std::nan(""));
+    EXPECT_EQ(number->GetValue(), 0.0); // empty not allowed: unchanged
+    number->SetAllowEmpty(true);
+    number->SetValue(std::nan(""));
+    EXPECT_TRUE(std::isnan(number->GetValue()));
+    EXPECT_TRUE(number->GetLineEdit()->text().isEmpty());
+
+    number->SetUnknownStateText(u"<Multiple Values>");
+    number->SetValue(4.0);
+    number->SetValueUnknown(true);
+    EXPECT_TRUE(std::isnan(number->GetValue()));
+    EXPECT_TRUE(number->GetLineEdit()->text().isEmpty());
+    EXPECT_EQ(number->GetLineEdit()->placeholderText(), QStringLiteral("<Multiple Values>"));
+}
+
+TEST_F(ControlsChoiceTest, HotTextNumberTypingCommitsAParsedNumber)
+{
+    auto number = Add(MakeIntrusive<UI_HotTextNumber>(), 80);
+    number->SetDecimalPlaces(2);
+    number->SetMinMax(std::nullopt, 100.0);
+    Listener listener;
+    listener.Attach(*number);
+    // A click without a drag starts typing with everything selected.
+    QTest::mouseClick(number->GetLineEdit(), Qt::LeftButton, {}, QPoint(20, 8));
+    ASSERT_TRUE(number->GetLineEdit()->hasFocus());
+    EXPECT_EQ(number->GetLineEdit()->selectedText(), QStringLiteral("0.00"));
+    QTest::keyClicks(number->GetLineEdit(), "3,456");
+    QTest::keyClick(number->GetLineEdit(), Qt::Key_Return);
+    EXPECT_DOUBLE_EQ(number->GetValue(), 3.46);
+    EXPECT_EQ(number->GetLineEdit()->text(), QStringLiteral("3.46"));
+    EXPECT_EQ(listener.interactive, (std::vector<int>{0, 2}));
+    EXPECT_EQ(listener.changed, 1);
+
+    // Text that is no number leaves the value alone.
+    number->GetLineEdit()->selectAll();
+    QTest::keyClicks(number->GetLineEdit(), "abc");
+    QTest::keyClick(number->GetLineEdit(), Qt::Key_Return);
+    EXPECT_DOUBLE_EQ(number->GetValue(), 3.46);
+    EXPECT_EQ(number->GetLineEdit()->text(), QStringLiteral("3.46"));
+
+    // Arrow keys step by the increment within the limits.
+    number->SetIncrement(50.0);
+    QTest::keyClick(number->GetLineEdit(), Qt::Key_Up);
+    EXPECT_DOUBLE_EQ(number->GetValue(), 53.46);
+    QTest::keyClick(number->GetLineEdit(), Qt::Key_Up);
+    EXPECT_DOUBLE_EQ(number->GetValue(), 100.0);
+    QTest::keyClick(number->GetLineEdit(), Qt::Key_Down);
+    EXPECT_DOUBLE_EQ(number->GetValue(), 50.0);
+}
+
+TEST_F(ControlsChoiceTest, DraggingOverAHotTextNumberChangesIt)
+{
+    auto number = Add(MakeIntrusive<UI_HotTextNumber>(), 80);
+    number->SetIncrement(1.0);
+    number->SetValue(10.0);
+    Listener listener;
+    listener.Attach(*number);
+    QLineEdit *edit = number->GetLineEdit();
+    int const step = UI_HotTextNumber::kPixelsPerStep;
+    QTest::mousePress(edit, Qt::LeftButton, {}, QPoint(20, 8));
+    QTest::mouseMove(edit, QPoint(20 + 5 * step, 8));
+    EXPECT_EQ(number->GetValue(), 15.0);
+    QTest::mouseMove(edit, QPoint(20 - 3 * step, 8));
+    EXPECT_EQ(number->GetValue(), 7.0);
+    QTest::mouseRelease(edit, Qt::LeftButton, {}, QPoint(20 - 3 * step, 8));
+    EXPECT_FALSE(edit->hasFocus()); // a drag does not start typing
+    ASSERT_GE(listener.interactive.size(), 3u);
+    EXPECT_EQ(listener.interactive.front(), 0);
+    EXPECT_EQ(listener.interactive.back(), 2);
+    EXPECT_EQ(listener.changed, 1);
+
+    number->SetDisabled(true);
+    QTest::mousePress(edit, Qt::LeftButton, {}, QPoint(20, 8));
+    QTest::mouseMove(edit, QPoint(60, 8));
+    QTest::mouseRelease(edit, Qt::LeftButton, {}, QPoint(60, 8));
+    EXPECT_EQ(number->GetValue(), 7.0);
+}
+
+TEST_F(ControlsChoiceTest, StarRatingByValueKeysAndMouse)
+{
+    auto stars = Add(MakeIntrusive<UI_StarRating>(), 0);
+    stars->SetStarSize(16.0f);
+    kivcore::PointF const size = stars->GetPreferredSize(nullptr);
+    EXPECT_EQ(stars->UI_GetLocalRectF(false).width, size.x);
+    EXPECT_GE(size.y, 19.0f);
+    for (auto [in, out] : {std::pair{3.0, 3.0}, {7.0, 5.0}, {-1.0, 0.0}, {2.0, 2.0}}) {
+        stars->SetValue(in);
+        EXPECT_EQ(stars->GetValue(), out) << in;
+    }
+
+    Listener listener;
+    listener.Attach(*stars);
+    stars->UI_SetFocus();
+    QWidget *w = stars->UI_GetWidget();
+    QTest::keyClick(w, Qt::Key_4);
+    EXPECT_EQ(stars->GetValue(), 4.0);
+    QTest::keyClick(w, Qt::Key_Right);
+    QTest::keyClick(w, Qt::Key_Right);
+    EXPECT_EQ(stars->GetValue(), 5.0);
+    QTest::keyClick(w, Qt::Key_Left);
+    EXPECT_EQ(stars->GetValue(), 4.0);
+    QTest::keyClick(w, Qt::Key_0);
+    EXPECT_EQ(stars->GetValue(), 0.0);
+    QTest::keyClick(w, Qt::Key_9); // not a rating
+    EXPECT_EQ(stars->GetValue(), 0.0);
+    EXPECT_EQ(listener.changed, 4);
+
+    auto starCentre = [&](int star) { return QPoint(int(2 + (star - 1) * 18 + 8), w->height() / 2); };
+    QTest::mouseClick(w, Qt::LeftButton, {}, starCentre(3));
+    EXPECT_EQ(stars->GetValue(), 3.0);
+    QTest::mouseClick(w, Qt::LeftButton, {}, starCentre(1));
+    EXPECT_EQ(stars->GetValue(), 1.0);
+    QTest::mouseClick(w, Qt::LeftButton, {}, starCentre(1)); // the only lit star again
+    EXPECT_EQ(stars->GetValue(), 0.0);
+    EXPECT_EQ(stars->RatingAt(0.5f), 0);
+    EXPECT_EQ(stars->RatingAt(1000.0f), 5);
+
+    // Lit stars are drawn.
+    stars->SetValue(0);
+    QImage const none = w->grab().toImage();
+    stars->SetValue(5);
+    QImage const five = w->grab().toImage();
+    EXPECT_NE(none, five);
+
+    stars->SetDisabled(true);
+    QTest::keyClick(w, Qt::Key_2);
+    EXPECT_EQ(stars->GetValue(), 5.0);
+}
+
+TEST_F(ControlsChoiceTest, StaticTextModesAlignmentFontAndPreferredSize)
+{
+    auto text = Add(MakeIntrusive<UI_StaticText>(u"Hello"));
+    QLabel *label = text->GetLabel();
+    EXPECT_EQ(text->GetText(), u"Hello");
+    EXPECT_EQ(label->textInteractionFlags(), Qt::NoTextInteraction);
+    text->SetTextMode(UI_StaticText::kTextModeSelectable);
+    EXPECT_TRUE(label->textInteractionFlags() & Qt::TextSelectableByMouse);
+    EXPECT_EQ(text->GetTextMode(), 3);
+
+    struct Case {
+        int alignment;
+        Qt::Alignment qt;
+    };
+    for (Case c : {Case{0, Qt::AlignLeft}, Case{1, Qt::AlignHCenter}, Case{2, Qt::AlignRight}}) {
+        text->SetAlignment(c.alignment);
+        EXPECT_EQ(label->alignment() & Qt::AlignHorizontal_Mask, c.qt);
+    }
+
+    kivcore::PointF const small = text->GetPreferredSize(nullptr);
+    text->SetFontSize(24.0f);
+    EXPECT_EQ(label->font().pixelSize(), 24);
+    kivcore::PointF const big = text->GetPreferredSize(nullptr);
+    EXPECT_GT(big.x, small.x);
+    EXPECT_GT(big.y, small.y);
+    text->SetFontStyle("Bold");
+    EXPECT_TRUE(label->font().bold());
+
+    // Measured with a Drawbot, the size is the supplier's measure, whole units.
+    drawbot::QtSupplier supplier;
+    drawbot::Drawbot measurer(supplier);
+    kivcore::PointF const measured = text->GetPreferredSize(&measurer);
+    kivcore::PointF const expected = supplier.MeasureText(u"Hello", 24.0f, "Bold");
+    EXPECT_EQ(measured, expected);
+    EXPECT_EQ(measured.x, std::ceil(measured.x));
+
+    // Attached to a supplier, the label takes the supplier's font.
+    window->UI_SetDrawSupplier(&supplier);
+    EXPECT_EQ(label->font(), supplier.GetFont(24.0f, "Bold"));
+    window->UI_SetDrawSupplier(nullptr);
+}
+
+TEST_F(ControlsChoiceTest, ButtonsRadioGroupAndDivider)
+{
+    auto radio = Add(MakeIntrusive<UI_RadioGroup>());
+    EXPECT_EQ(radio->AddButton(u"A", u"first"), 0);
+    EXPECT_EQ(radio->AddButton(u"B"), 1);
+    EXPECT_EQ(radio->AddButton(u"C"), 2);
+    EXPECT_EQ(radio->GetValue(), -1);
+    EXPECT_GT(radio->UI_GetLocalRectF(false).height, 3 * 12.0f);
+    EXPECT_EQ(radio->GetButton(0)->toolTip(), QStringLiteral("first"));
+    radio->SetValue(1);
+    EXPECT_EQ(radio->GetValue(), 1);
+    Listener radioListener;
+    radioListener.Attach(*radio);
+    QTest::mouseClick(radio->GetButton(2), Qt::LeftButton, {}, QPoint(6, radio->GetButton(2)->height() / 2));
+    EXPECT_EQ(radio->GetValue(), 2);
+    EXPECT_EQ(radioListener.changed, 1);
+    radio->SetValue(-1);
+    EXPECT_EQ(radio->GetValue(), -1);
+
+    auto picture = Add(MakeIntrusive<UI_PictureButton>(), 19);
+    QPixmap off(8, 8), on(8, 8);
+    off.fill(Qt::red);
+    on.fill(Qt::green);
+    picture->SetImages(QIcon(off), QIcon(on));
+    picture->SetToggles(true);
+    Listener pictureListener;
+    pictureListener.Attach(*picture);
+    QTest::mouseClick(picture->GetButton(), Qt::LeftButton);
+    EXPECT_TRUE(picture->IsOn());
+    QTest::mouseClick(picture->GetButton(), Qt::LeftButton);
+    EXPECT_FALSE(picture->IsOn());
+    EXPECT_EQ(pictureListener.changed, 2);
+    picture->SetOn(true);
+    EXPECT_TRUE(picture->IsOn());
+    EXPECT_EQ(pictureListener.changed, 2);
+
+    auto button = Add(MakeIntrusive<UI_TextButton>(u"Go"), 80);
+    Listener buttonListener;
+    buttonListener.Attach(*button);
+    QTest::mouseClick(button->GetButton(), Qt::LeftButton);
+    EXPECT_EQ(buttonListener.changed, 1);
+    button->SetDisabled(true);
+    QTest::mouseClick(button->GetButton(), Qt::LeftButton);
+    EXPECT_EQ(buttonListener.changed, 1);
+
+    auto divider = MakeIntrusive<UI_Divider>(true);
+    EXPECT_TRUE(divider->IsVertical());
+    EXPECT_EQ(divider->UI_GetLocalRectF(false).width, 2.0f);
+}
+
+} // namespace
+} // namespace kivui
