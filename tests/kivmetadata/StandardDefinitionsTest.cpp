@@ -625,12 +625,16 @@ TEST_F(StandardDefinitionsTest, PanelsNameDefinedPropertiesWithKnownAttributes)
                 ADD_FAILURE() << where << ": names no defined property";
                 continue;
             }
+            // A struct row shows fields and an array row an item list; a
+            // property row has one text or choice control and cannot show either.
             if (item.kind == QStringLiteral("struct")) {
                 EXPECT_EQ(d->form, QStringLiteral("struct")) << where;
-            } else if (item.kind == QStringLiteral("array"))
+            } else if (item.kind == QStringLiteral("array")) {
                 EXPECT_TRUE(d->IsArray()) << where;
-            else
+            } else {
                 EXPECT_EQ(item.kind, QStringLiteral("property")) << where;
+                EXPECT_FALSE(d->HasStructValue()) << where << ": a struct value needs a struct or array row";
+            }
 
             for (auto const &[key, value] : item.attributes) {
                 EXPECT_TRUE(attributes.count(key)) << where << ": unknown attribute " << key.toStdString();
