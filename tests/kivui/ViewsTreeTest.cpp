@@ -511,3 +511,33 @@ TEST_F(TreeTest, ScrollRowIntoViewOpensAncestorsAndReachesDeepRows)
 }
 
 } // namespace
+
+namespace {
+
+// Placing a cell only repositions widgets; changes that come in the same turn
+// of the event loop must still lay the rows out.
+TEST_F(TreeTest, ChangesMadeWhileACellIsBeingPlacedAreLaidOut)
+{
+    auto rows = Fill(20);
+    auto kids = Fill(2, rows[0]);
+    MakeCellsLazily();
+    Show();
+    RectF const firstRect = tree->GetRowRect(rows[0]);
+
+    rows[1]->SetCellView(IntrusivePtr<UI_SubView>(new UI_SubView)); // placed at once
+    auto inserted = tree->InsertRow({}, 0);
+    Settle();
+    EXPECT_EQ(tree->GetRowRect(inserted).y, firstRect.y);
+    tree->OpenRow(rows[0], true);
+    Settle();
+
+    EXPECT_EQ(tree->GetRowRect(inserted).y, firstRect.y);
+    EXPECT_EQ(tree->GetRowRect(rows[0]).y, firstRect.y + 20);
+    EXPECT_EQ(tree->GetRowRect(kids[1]).y, firstRect.y + 60);
+    RectF const second = tree->GetRowRect(rows[1]);
+    EXPECT_EQ(rows[1]->GetCellView()->UI_GetWidget()->mapTo(view(), QPoint(0, 0)),
+              QPoint(int(second.x), int(second.y)));
+    EXPECT_EQ(second.y, firstRect.y + 80);
+}
+
+} // namespace

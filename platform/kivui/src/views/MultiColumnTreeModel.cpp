@@ -281,6 +281,24 @@ MultiColumnTreeView::MultiColumnTreeView()
     header()->setStretchLastSection(true);
     // Explicit column widths are taken as given, however narrow.
     header()->setMinimumSectionSize(1);
+    // Any of these needs the rows laid out again, whatever else is pending.
+    auto const fullLayout = [this] { mPlacementLayout = false; };
+    connect(this, &QTreeView::expanded, this, fullLayout);
+    connect(this, &QTreeView::collapsed, this, fullLayout);
+}
+
+void MultiColumnTreeView::setModel(QAbstractItemModel *inModel)
+{
+    QTreeView::setModel(inModel);
+    mPlacementLayout = false;
+    if (!inModel) return;
+    auto const fullLayout = [this] { mPlacementLayout = false; };
+    connect(inModel, &QAbstractItemModel::rowsInserted, this, fullLayout);
+    connect(inModel, &QAbstractItemModel::rowsRemoved, this, fullLayout);
+    connect(inModel, &QAbstractItemModel::columnsInserted, this, fullLayout);
+    connect(inModel, &QAbstractItemModel::columnsRemoved, this, fullLayout);
+    connect(inModel, &QAbstractItemModel::modelReset, this, fullLayout);
+    connect(inModel, &QAbstractItemModel::layoutChanged, this, fullLayout);
 }
 
 void MultiColumnTreeView::SetGridLines(bool inOn)
@@ -328,6 +346,23 @@ void MultiColumnTreeView::RequestSync()
             if (mTree) mTree->d->Sync();
         },
         Qt::QueuedConnection);
+}
+
+void MultiColumnTreeView::PlaceIndexWidget(QModelIndex const &inIndex, QWidget *inHost)
+{
+    executeDelayedItemsLayout();
+    setIndexWidget(inIndex, inHost);
+    mPlacementLayout = true;
+}
+
+void MultiColumnTreeView::doItemsLayout()
+{
+    if (mPlacementLayout) {
+        mPlacementLayout = false;
+        QAbstractItemView::doItemsLayout(); // positions the index widgets
+        return;
+    }
+    QTreeView::doItemsLayout();
 }
 
 void MultiColumnTreeView::drawRow(QPainter *inPainter, QStyleOptionViewItem const &inOption,

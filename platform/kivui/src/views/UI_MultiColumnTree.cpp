@@ -187,7 +187,7 @@ void UI_MultiColumnTree::Private::Place(Row &inRow)
     cell->setParent(host);
     cell->move(0, 0);
     cell->show();
-    view->setIndexWidget(index, host);
+    view->PlaceIndexWidget(index, host);
     QStyleOptionViewItem option;
     option.rect = view->visualRect(index);
     option.widget = view;
@@ -333,7 +333,11 @@ float UI_MultiColumnTree::GetColumnWidth(int inColumn) const
     return static_cast<float>(d->view->columnWidth(inColumn));
 }
 
-void UI_MultiColumnTree::SetRootIsDecorated(bool inDecorated) { d->view->setRootIsDecorated(inDecorated); }
+void UI_MultiColumnTree::SetRootIsDecorated(bool inDecorated)
+{
+    d->view->ScheduleLayout();
+    d->view->setRootIsDecorated(inDecorated);
+}
 
 void UI_MultiColumnTree::SetDefaultRowHeight(float inHeight)
 {

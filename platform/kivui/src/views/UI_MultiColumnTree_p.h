@@ -97,7 +97,18 @@ public:
     std::vector<Row *> CollectVisibleRows();
     void RequestSync();
     void FlushLayout() { executeDelayedItemsLayout(); }
-    void ScheduleLayout() { scheduleDelayedItemsLayout(); }
+    void ScheduleLayout()
+    {
+        mPlacementLayout = false;
+        scheduleDelayedItemsLayout();
+    }
+    // Places inHost as the index widget of inIndex. Qt then lays out every
+    // row again, which placing a widget over a row of known height does not
+    // need: unless something else asks for a layout before it runs, only
+    // the widgets are positioned.
+    void PlaceIndexWidget(QModelIndex const &inIndex, QWidget *inHost);
+    void doItemsLayout() override;
+    void setModel(QAbstractItemModel *inModel) override;
 
 protected:
     void drawRow(QPainter *inPainter, QStyleOptionViewItem const &inOption, QModelIndex const &inIndex) const override;
@@ -109,6 +120,7 @@ private:
     UI_MultiColumnTree *mTree = nullptr;
     bool mGridLines = false;
     bool mSyncPending = false;
+    bool mPlacementLayout = false;
 };
 
 } // namespace detail
