@@ -41,7 +41,7 @@ protected:
         tree->UI_SetDrawSupplier(&supplier);
         tree->UI_SetLocalRectF(RectF{0, 0, 300, 200});
         tester = std::make_unique<QAbstractItemModelTester>(
-            view()->model(), QAbstractItemModelTester::FailureReportingMode::Warning);
+            view()->model(), QAbstractItemModelTester::FailureReportingMode::Fatal);
     }
 
     void TearDown() override
