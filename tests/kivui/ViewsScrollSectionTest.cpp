@@ -87,6 +87,19 @@ TEST_F(ScrollViewTest, ContentRectDrivesTheScrollRangeAndFollowsTheWidth)
     EXPECT_EQ(view->GetContentRect(), (RectF{0, 0, 400, 500}));
 }
 
+TEST(HiddenScrollViewTest, ContentTakesTheWidthTheViewportWillHave)
+{
+    // Panels are built and laid out before they are shown.
+    IntrusivePtr<UI_ScrollView> view(new UI_ScrollView);
+    view->SetContentRect(RectF{0, 0, 10, 500});
+    view->UI_SetLocalRectF(RectF{0, 0, 300, 100});
+    float const bar = kivui::UI_ScrollBar::GetDefaultSize();
+    EXPECT_EQ(view->GetContentView()->UI_GetLocalRectF(false), (RectF{0, 0, 300 - bar, 500}));
+    view->SetContentRect(RectF{0, 0, 300, 50});
+    view->UI_SetLocalRectF(RectF{0, 0, 320, 100});
+    EXPECT_EQ(view->GetContentView()->UI_GetLocalRectF(false), (RectF{0, 0, 320, 50}));
+}
+
 TEST_F(ScrollViewTest, ScrollIntoViewMovesOnlyAsFarAsNeeded)
 {
     view->SetContentRect(RectF{0, 0, 200, 1000});

@@ -45,7 +45,7 @@ protected:
 
 private:
     friend class ScrollViewArea;
-    void FollowViewportWidth();
+    void FollowViewportWidth(bool inViewportResized);
     struct Private;
     std::unique_ptr<Private> const d;
 };

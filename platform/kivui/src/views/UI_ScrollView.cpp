@@ -1,5 +1,7 @@
 #include <kivui/UI_ScrollView.h>
 
+#include <kivui/UI_ScrollBar.h>
+
 #include <QEvent>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -23,7 +25,7 @@ protected:
     bool viewportEvent(QEvent *inEvent) override
     {
         bool const result = QScrollArea::viewportEvent(inEvent);
-        if (inEvent->type() == QEvent::Resize && mOwner) mOwner->FollowViewportWidth();
+        if (inEvent->type() == QEvent::Resize && mOwner) mOwner->FollowViewportWidth(true);
         return result;
     }
 
@@ -79,10 +81,20 @@ void UI_ScrollView::Update()
     d->area->widget()->updateGeometry();
 }
 
-void UI_ScrollView::FollowViewportWidth()
+void UI_ScrollView::FollowViewportWidth(bool inViewportResized)
 {
     if (!d->followsWidth) return;
-    float const width = static_cast<float>(d->area->viewport()->width());
+    float width = static_cast<float>(d->area->viewport()->width());
+    if (!inViewportResized) {
+        // Qt resizes the viewport later (or, while hidden, only when shown):
+        // work its width out from the frame and the scroll bar it will need.
+        RectF const frame = UI_GetLocalRectF(false);
+        float const border = 2.0f * static_cast<float>(d->area->frameWidth());
+        Qt::ScrollBarPolicy const policy = d->area->verticalScrollBarPolicy();
+        bool const bar = policy == Qt::ScrollBarAlwaysOn ||
+                         (policy == Qt::ScrollBarAsNeeded && d->contentRect.height > frame.height - border);
+        width = std::max(0.0f, frame.width - border - (bar ? UI_ScrollBar::GetDefaultSize() : 0.0f));
+    }
     if (width == d->contentRect.width) return;
     d->contentRect.width = width;
     Update();
@@ -91,7 +103,7 @@ void UI_ScrollView::FollowViewportWidth()
 void UI_ScrollView::UI_SizeChanged(PointF const &oldSize)
 {
     UI_SubView::UI_SizeChanged(oldSize);
-    FollowViewportWidth();
+    FollowViewportWidth(false);
 }
 
 RectF UI_ScrollView::GetVisibleContentRect() const
@@ -129,7 +141,7 @@ void UI_ScrollView::ScrollIntoView(RectF const &inRect, bool inMinimal)
 void UI_ScrollView::SetContentFollowsWidth(bool inFollows)
 {
     d->followsWidth = inFollows;
-    FollowViewportWidth();
+    FollowViewportWidth(false);
 }
 
 bool UI_ScrollView::GetContentFollowsWidth() const { return d->followsWidth; }
