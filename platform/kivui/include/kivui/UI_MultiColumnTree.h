@@ -112,8 +112,14 @@ public:
     std::vector<RowPtr> GetSelectedRows() const;
 
     // Callbacks.
+    // Paints plain rows; without it their column texts are drawn.
     void SetDrawCellFxn(DrawCellFxn inFxn);
+    // Called each time a row enters the visible area (scrolled, opened or
+    // laid out into view), from the event loop or from Layout and
+    // ScrollRowIntoView. A handler typically gives a row without a cell view
+    // its cell view; the tree puts it on screen right after the call.
     void SetRowVisibilityChangedFxn(RowVisibilityChangedFxn inFxn);
+    // Called when a row is opened or closed, by the user or by OpenRow.
     void SetRowDisclosureChangedFxn(RowDisclosureChangedFxn inFxn);
     void SetSelectionChangedFxn(SelectionChangedFxn inFxn);
     void SetIsQuiet(bool inQuiet);
