@@ -103,6 +103,9 @@ TEST_F(XMPMetaTest, RemovePropertiesByNameSchemaOrAllAndKeepsInternalOnesUnlessA
     auto meta = Sample();
     RemoveProperties(*meta, kDC, "dc:subject", 0);
     EXPECT_FALSE(meta->DoesPropertyExist(kDC, "dc:subject"));
+    RemoveProperties(*meta, kXMP, "Rating", 0);
+    EXPECT_FALSE(meta->DoesPropertyExist(kXMP, "xmp:Rating"));
+    meta->SetProperty(kXMP, "xmp:Rating", "3");
     EXPECT_TRUE(meta->DoesPropertyExist(kDC, "dc:title"));
 
     RemoveProperties(*meta, kDC, {}, 0);

@@ -487,7 +487,10 @@ void RemoveProperties(XMPMeta &meta, std::string const &ns, std::string const &n
     bool const all = options & kUtilDoAllProperties;
     if (!name.empty()) {
         if (ns.empty()) return;
-        if (all || !IsInternal(ns, name)) meta.DeleteProperty(ns, name);
+        // The toolkit takes a qualified name; a bare local name is accepted too.
+        std::string const path = name.find(':') == std::string::npos ? PathForSchemaNameAndPropertyName(ns, name).mPath
+                                                                      : name;
+        if (all || !IsInternal(ns, path)) meta.DeleteProperty(ns, path);
         return;
     }
     std::vector<std::pair<std::string, std::string>> doomed;
