@@ -6,8 +6,20 @@
 #include <kivui/ResourceManager.h>
 #include <kivui/ScriptedResponses.h>
 #include <kivui/UI_ArchivedDialog.h>
+#include <kivui/UI_AutoCompleteTextEdit.h>
+#include <kivui/UI_Checkbox.h>
 #include <kivui/UI_Dialog.h>
+#include <kivui/UI_Divider.h>
+#include <kivui/UI_DragableTextEdit.h>
+#include <kivui/UI_HotTextNumber.h>
 #include <kivui/UI_MultiColumnTree.h>
+#include <kivui/UI_PictureButton.h>
+#include <kivui/UI_Popup.h>
+#include <kivui/UI_RadioGroup.h>
+#include <kivui/UI_StarRating.h>
+#include <kivui/UI_StaticText.h>
+#include <kivui/UI_TextButton.h>
+#include <kivui/UI_URLEdit.h>
 #include <kivui/UI_ScrollView.h>
 #include <kivui/UI_SectionView.h>
 #include <kivui/UI_SubView.h>
@@ -19,7 +31,11 @@
 #include <QApplication>
 #include <QDialog>
 #include <QDir>
+#include <QElapsedTimer>
+#include <QIcon>
 #include <QLabel>
+#include <QPainter>
+#include <QPixmap>
 #include <QPushButton>
 #include <QSet>
 
@@ -36,6 +52,19 @@ constexpr float kPageWidth = 600.0f;
 constexpr float kCaptionWidth = 190.0f;
 constexpr float kMargin = 16.0f;
 constexpr float kRowGap = 10.0f;
+
+// Controls finish some of their layout in posted events and short timers
+// (a combo box adjusts its size 20 ms after its items change): the pictures
+// show the state a user sees once that has happened.
+void Settle()
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (timer.elapsed() < 60) {
+        QApplication::sendPostedEvents();
+        QApplication::processEvents(QEventLoop::AllEvents, 10);
+    }
+}
 
 // A caption in the left column of a page.
 class Caption : public kivui::UI_Node {
@@ -59,7 +88,10 @@ public:
         root->ChildPushBack(label);
         root->ChildPushBack(node);
         float const rowHeight = std::max(height, 24.0f);
-        label->UI_SetLocalRectF({kMargin, y, kCaptionWidth - kMargin, std::min(rowHeight, 24.0f)});
+        // The caption is centred on low controls (a divider) and on the first line of tall ones.
+        float const captionHeight = std::clamp(height, 20.0f, 24.0f);
+        float const captionY = y + std::min(0.0f, (height - captionHeight) / 2.0f);
+        label->UI_SetLocalRectF({kMargin, captionY, kCaptionWidth - kMargin, captionHeight});
         node->UI_SetLocalRectF({kCaptionWidth, y, width, height});
         y += rowHeight + kRowGap;
         return node.get();
@@ -70,7 +102,7 @@ public:
         root->UI_SetLocalRectF({0, 0, kPageWidth, y + kMargin - kRowGap});
         QWidget *w = root->UI_GetWidget();
         w->show();
-        QApplication::processEvents();
+        Settle();
         return w;
     }
 
@@ -204,6 +236,7 @@ void Gallery::TextControls()
     page.Add(QStringLiteral("UI_TextEdit"), edit, 300, 24);
 
     Ptr<kivui::UI_TextEdit> unknown(new kivui::UI_TextEdit());
+    unknown->SetUnknownStateText(u"<Multiple Values>");
     unknown->SetValueUnknown(true);
     page.Add(QStringLiteral("UI_TextEdit (mixed)"), unknown, 300, 24);
 
@@ -222,10 +255,122 @@ void Gallery::TextControls()
                     u"and one more line to make the scroll bar appear.\nLast line.",
                     false);
     page.Add(QStringLiteral("UI_TextEdit_MS"), multi, 300, 80);
+
+    Ptr<kivui::UI_AutoCompleteTextEdit> complete(new kivui::UI_AutoCompleteTextEdit());
+    complete->SetEntryList({u"Amsterdam", u"Antwerp", u"Athens"});
+    complete->SetValue(u"Antwerp", false);
+    page.Add(QStringLiteral("UI_AutoCompleteTextEdit"), complete, 300, 24);
+
+    Ptr<kivui::UI_URLEdit> url(new kivui::UI_URLEdit());
+    url->SetValue(u"https://www.adobe.com/products/xmp.html", false);
+    page.Add(QStringLiteral("UI_URLEdit"), url, 300, 24);
+
+    Ptr<kivui::UI_DragableTextEdit> dragable(new kivui::UI_DragableTextEdit());
+    dragable->SetLineCount(3);
+    dragable->SetValue(u"A text whose height\nthe user drags\nat its bottom edge", false);
+    page.Add(QStringLiteral("UI_DragableTextEdit"), dragable, 300, 64);
+
+    kivui::drawbot::Drawbot measuring(*mSupplier);
+    Ptr<kivui::UI_StaticText> plainText(new kivui::UI_StaticText(u"Static text, plain"));
+    kivcore::PointF size = plainText->GetPreferredSize(&measuring);
+    page.Add(QStringLiteral("UI_StaticText"), plainText, size.x, size.y);
+
+    Ptr<kivui::UI_StaticText> boldText(new kivui::UI_StaticText(u"Bold static text at 14"));
+    boldText->SetFontStyle("Bold");
+    boldText->SetFontSize(14.0f);
+    size = boldText->GetPreferredSize(&measuring);
+    page.Add(QStringLiteral("UI_StaticText (bold)"), boldText, size.x, size.y);
+
+    Ptr<kivui::UI_StaticText> link(new kivui::UI_StaticText(u"https://www.adobe.com/products/xmp.html"));
+    link->SetTextMode(3);
+    size = link->GetPreferredSize(&measuring);
+    page.Add(QStringLiteral("UI_StaticText (link)"), link, size.x, size.y);
+
+    Ptr<kivui::UI_StaticText> centred(new kivui::UI_StaticText(u"Centred in its box"));
+    centred->SetAlignment(1);
+    page.Add(QStringLiteral("UI_StaticText (centred)"), centred, 300, size.y);
     Save(QStringLiteral("controls_text"), page.Finish());
 }
 
-void Gallery::ChoiceControls() {}
+namespace {
+
+QIcon MakeIcon(bool on)
+{
+    QPixmap pixmap(16, 16);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    painter.setRenderHint(QPainter::Antialiasing);
+    QColor const colour = QApplication::palette().color(on ? QPalette::Highlight : QPalette::WindowText);
+    painter.setPen(QPen(colour, 2));
+    painter.drawEllipse(QRectF(3, 3, 10, 10));
+    if (on) painter.setBrush(colour), painter.drawEllipse(QRectF(6, 6, 4, 4));
+    return QIcon(pixmap);
+}
+
+} // namespace
+
+void Gallery::ChoiceControls()
+{
+    Page page(mSupplier);
+    kivui::drawbot::Drawbot measuring(*mSupplier);
+    char16_t const *const checkTexts[] = {u"Unchecked", u"Checked", u"Mixed"};
+    for (int i = 0; i < 3; ++i) {
+        Ptr<kivui::UI_Checkbox> box(new kivui::UI_Checkbox(checkTexts[i]));
+        box->SetValue(static_cast<kivui::UI_Checkbox::CheckboxValue>(i));
+        kivcore::PointF const size = box->GetPreferredSize(&measuring);
+        page.Add(QStringLiteral("UI_Checkbox (%1)").arg(QString::fromStdU16String(checkTexts[i]).toLower()), box,
+                 std::max(size.x, 120.0f), std::max(size.y, 20.0f));
+    }
+
+    Ptr<kivui::UI_Popup> popup(new kivui::UI_Popup());
+    popup->AddItem(u"Select Version...");
+    popup->AddSeparator();
+    popup->AddItem(u"GY/GX6");
+    popup->AddItem(u"GX5");
+    popup->SetValue(2);
+    page.Add(QStringLiteral("UI_Popup"), popup, 200, 26);
+
+    Ptr<kivui::UI_Popup> editable(new kivui::UI_Popup());
+    editable->SetPopupType(1);
+    editable->AddItem(u"Basic");
+    editable->AddItem(u"Camera Data");
+    editable->SetValueString(u"My own setting");
+    page.Add(QStringLiteral("UI_Popup (editable)"), editable, 200, 26);
+
+    Ptr<kivui::UI_RadioGroup> radio(new kivui::UI_RadioGroup());
+    radio->AddButton(u"Clear existing properties and replace", u"All existing properties will be cleared.");
+    radio->AddButton(u"Keep original metadata, replace matching", u"");
+    radio->AddButton(u"Keep original metadata, append matching", u"");
+    radio->SetValue(1);
+    page.Add(QStringLiteral("UI_RadioGroup"), radio, 380, 72);
+
+    Ptr<kivui::UI_HotTextNumber> number(new kivui::UI_HotTextNumber());
+    number->SetDecimalPlaces(2);
+    number->SetValue(3.25);
+    page.Add(QStringLiteral("UI_HotTextNumber"), number, 100, 24);
+
+    Ptr<kivui::UI_StarRating> stars(new kivui::UI_StarRating());
+    stars->SetValue(3);
+    kivcore::PointF const starSize = stars->GetPreferredSize(&measuring);
+    page.Add(QStringLiteral("UI_StarRating"), stars, starSize.x, starSize.y);
+
+    Ptr<kivui::UI_PictureButton> picture(new kivui::UI_PictureButton());
+    picture->SetImages(MakeIcon(false), MakeIcon(true));
+    picture->SetOn(true);
+    page.Add(QStringLiteral("UI_PictureButton (on)"), picture, 24, 24);
+
+    Ptr<kivui::UI_TextButton> button(new kivui::UI_TextButton(u"Save Settings..."));
+    page.Add(QStringLiteral("UI_TextButton"), button, 140, 26);
+
+    Ptr<kivui::UI_TextButton> disabledButton(new kivui::UI_TextButton(u"Delete Settings..."));
+    disabledButton->SetDisabled(true);
+    page.Add(QStringLiteral("UI_TextButton (disabled)"), disabledButton, 140, 26);
+
+    Ptr<kivui::UI_Divider> divider(new kivui::UI_Divider());
+    page.y += 8.0f; // a thin control gets room around it
+    page.Add(QStringLiteral("UI_Divider"), divider, 380, 2);
+    Save(QStringLiteral("controls_choice"), page.Finish());
+}
 
 void Gallery::Views()
 {
@@ -292,21 +437,39 @@ void Gallery::Dialogs()
 {
     Ptr<SampleDialog> plain(new SampleDialog(mSupplier));
     plain->GetDialog()->show();
-    QApplication::processEvents();
+    Settle();
     Save(QStringLiteral("dialog_plain"), plain->GetDialog());
     plain->GetDialog()->hide();
 
     Ptr<kivui::UI_ArchivedDialog> archived(new kivui::UI_ArchivedDialog(mSupplier, mResources, "GalleryArchive"));
     if (!archived->HasArchive()) mProblems << QStringLiteral("the gallery's UI archive is missing");
+    else {
+        auto versions = archived->FindControl<kivui::UI_Popup>("versionPopupID");
+        versions->AddItem(u"Select Version...");
+        versions->AddSeparator();
+        for (char16_t const *item : {u"GY/GX6", u"GX5", u"GX4"}) versions->AddItem(item);
+        versions->SetValue(0);
+        archived->FindControl<kivui::UI_TextButton>("startButtonID")->SetDisabled(true);
+        archived->FindControl<kivui::UI_TextEdit_MS>("resultTextID")
+            ->SetValue(u"Converted 3 panels:\n  Camera.xml\n  Location.xml\n  Rights.xml", false);
+    }
     archived->GetDialog()->show();
-    QApplication::processEvents();
+    Settle();
     Save(QStringLiteral("dialog_archived"), archived->GetDialog());
     archived->GetDialog()->hide();
 
     Ptr<kivevefactory::UI_EveViewBase> eve(new kivevefactory::UI_EveViewBase(mSupplier, mResources, "GalleryLayout"));
     if (!eve->HasLayout()) mProblems << QStringLiteral("the gallery's layout description is missing");
+    else {
+        auto name = eve->FindControl<kivui::UI_TextEdit>("nameTextEdit");
+        name->SetValue(u"NewProperty", false);
+        name->SelectAll();
+        auto types = eve->FindControl<kivui::UI_Popup>("columnTypePopup");
+        for (char16_t const *item : {u"Integer", u"Real", u"Text", u"Boolean"}) types->AddItem(item);
+        types->SetValue(0);
+    }
     eve->GetDialog()->show();
-    QApplication::processEvents();
+    Settle();
     Save(QStringLiteral("dialog_eve"), eve->GetDialog());
     eve->GetDialog()->hide();
 }
@@ -316,7 +479,7 @@ void Gallery::MessageBoxes()
     using kivui::dialogs::ScriptedResponses;
     QString next;
     ScriptedResponses::SetShownHook([this, &next](QWidget *dialog) {
-        QApplication::processEvents();
+        Settle();
         Save(next, dialog);
     });
     next = QStringLiteral("messagebox_confirmation");
