@@ -1,13 +1,7 @@
-// kivmeta: the host application of kivmetadataui.
-#include <kivmetadataui/kivmetadataui.h>
+// kivmeta: the host application of kivmetadataui. Run "kivmeta --help".
+#include "Application.h"
 
-#include <cstdio>
-
-int main(int, char **)
+int main(int argc, char** argv)
 {
-    kivmetadataui::Initialize();
-    std::printf("kivmetadataui %s started\n", kivmetadataui::Version());
-    kivmetadataui::Terminate();
-    std::printf("kivmetadataui stopped\n");
-    return 0;
+    return kivmeta::Run(argc, argv);
 }

@@ -1,0 +1,189 @@
+#include "Application.h"
+
+#include "CommandLine.h"
+#include "MetadataWindow.h"
+#include "PropertyEditor.h"
+#include "Screenshots.h"
+
+#include <kivmetadata/FileMetaDataProvider.h>
+#include <kivmetadataui/Initialize.h>
+#include <kivmetadataui/ModuleInfo.h>
+#include <kivui/MessageBoxes.h>
+#include <kivui/drawbot/QtSupplier.h>
+#include <kivui/SkinManager.h>
+
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QTemporaryDir>
+#include <QTextStream>
+
+#include <cstdio>
+#include <memory>
+
+namespace kivmeta {
+
+namespace {
+
+constexpr int kExitFailure = 1;
+constexpr int kExitUsage = 2;
+
+// Starts and stops the library around everything that uses it.
+struct LibraryScope {
+    LibraryScope() { kivmetadataui::Initialize(); }
+    ~LibraryScope() { kivmetadataui::Terminate(); }
+};
+
+bool IsHeadlessPlatform()
+{
+    QString const name = QGuiApplication::platformName();
+    return name == u"offscreen" || name == u"minimal";
+}
+
+// The built-in sample lives in the program's resources; the file provider
+// needs a real file, so it works on a copy in a temporary folder.
+QString CopySample(QTemporaryDir& folder, QString& error)
+{
+    QString const resource = QStringLiteral(":/kivmeta/sample.jpg");
+    if (!QFile::exists(resource)) {
+        error = QStringLiteral("this build has no built-in sample file");
+        return {};
+    }
+    if (!folder.isValid()) {
+        error = QStringLiteral("cannot make a temporary folder: %1").arg(folder.errorString());
+        return {};
+    }
+    QString const copy = folder.filePath(QStringLiteral("sample.jpg"));
+    if (!QFile::copy(resource, copy) || !QFile::setPermissions(copy, QFile::ReadOwner | QFile::WriteOwner)) {
+        error = QStringLiteral("cannot copy the built-in sample to %1").arg(copy);
+        return {};
+    }
+    return copy;
+}
+
+bool OpenFiles(QStringList const& files, std::vector<std::shared_ptr<kivmetadata::FileMetaDataProvider>>& providers,
+               QString& error)
+{
+    for (QString const& file : files) {
+        std::string openError;
+        auto provider = kivmetadata::FileMetaDataProvider::Open(file.toStdU16String(), &openError);
+        if (!provider) {
+            error = QStringLiteral("cannot open %1: %2").arg(file, QString::fromStdString(openError));
+            return false;
+        }
+        providers.push_back(std::move(provider));
+    }
+    return true;
+}
+
+} // namespace
+
+bool HasDisplay()
+{
+    return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+}
+
+int Run(int argc, char** argv)
+{
+    QTextStream out(stdout);
+    QTextStream err(stderr);
+
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i) arguments << QString::fromLocal8Bit(argv[i]);
+    CommandLine line;
+    QString parseError;
+    if (!ParseCommandLine(arguments, line, parseError)) {
+        err << "kivmeta: " << parseError << "\n\n" << UsageText();
+        return kExitUsage;
+    }
+    if (line.mHelp) {
+        out << UsageText();
+        return 0;
+    }
+
+    // Nothing is shown for batch work and screenshots; without a display the
+    // window cannot be shown either, and the screenshots are written instead.
+    bool const forceOffscreen = line.IsBatch() || line.mScreenshotDir.has_value();
+    if (forceOffscreen || (!HasDisplay() && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM")))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("kivmeta"));
+    QApplication::setOrganizationName(QStringLiteral("kivmetadataui"));
+    LibraryScope library;
+
+    if (line.mVersion) {
+        out << "kivmeta " << kivmetadataui::Version() << '\n';
+        return 0;
+    }
+
+    if (line.IsBatch()) {
+        int status = 0;
+        if (!line.mEdits.empty()) status = RunEdits(line.mFiles, line.mEdits, err);
+        err.flush();
+        if (status == 0 && !line.mDumpFiles.isEmpty()) status = RunDumps(line.mDumpFiles, out, err);
+        return status;
+    }
+
+    if (!line.mScreenshotDir && IsHeadlessPlatform()) {
+        line.mScreenshotDir = QStringLiteral("screenshots");
+        err << "kivmeta: no display; writing the screenshots to " << *line.mScreenshotDir << "/\n";
+        err.flush();
+    }
+
+    QTemporaryDir sampleFolder;
+    QStringList files = line.mFiles;
+    QStringList displayNames;
+    if (files.isEmpty()) {
+        QString error;
+        QString sample = CopySample(sampleFolder, error);
+        if (sample.isEmpty()) {
+            err << "kivmeta: " << error << '\n';
+            return kExitFailure;
+        }
+        files << sample;
+        displayNames << QStringLiteral("sample.jpg");
+    }
+
+    std::vector<std::shared_ptr<kivmetadata::FileMetaDataProvider>> providers;
+    QString openError;
+    if (!OpenFiles(files, providers, openError)) {
+        err << "kivmeta: " << openError << '\n';
+        err.flush();
+        if (!line.mScreenshotDir) {
+            kivui::drawbot::QtSupplier supplier;
+            kivui::dialogs::SimpleErrorMessageBox(&supplier, "$$$/kivmeta/OpenError/title=Cannot Open File",
+                                                  openError.toStdU16String(), nullptr);
+        }
+        return kExitFailure;
+    }
+
+    kivmetadataui::ModuleInfo::Get();
+    auto makeWindow = [&providers, &displayNames] {
+        return std::make_unique<MetadataWindow>(providers, displayNames);
+    };
+
+    if (line.mScreenshotDir) {
+        QStringList written;
+        QString error;
+        bool ok = WriteScreenshots(makeWindow, *line.mScreenshotDir, written, error);
+        out << "kivmeta: wrote " << written.size() << " screenshots to "
+            << QDir(*line.mScreenshotDir).absolutePath() << '\n';
+        if (!ok) {
+            err << "kivmeta: " << error << '\n';
+            return kExitFailure;
+        }
+        return 0;
+    }
+
+    kivui::skins::core::SkinManager::Start(kivui::skins::core::SkinVersion::kV7);
+    std::unique_ptr<MetadataWindow> window = makeWindow();
+    window->show();
+    int status = app.exec();
+    window.reset();
+    return status;
+}
+
+} // namespace kivmeta

@@ -1,0 +1,442 @@
+#include "PropertyEditor.h"
+
+#include "MetadataDump.h"
+
+#include <kivmetadata/Definitions.h>
+#include <kivmetadata/ErrorInfo.h>
+#include <kivmetadata/FileMetaDataProvider.h>
+#include <kivmetadata/MetaDataReadAccess.h>
+#include <kivmetadata/MetaDataUpdateAccess.h>
+#include <kivmetadata/MultiMetaDataProvider.h>
+#include <kivmetadata/PathOperations.h>
+#include <kivmetadata/PropertyDefinition.h>
+#include <kivmetadata/SchemaDefinition.h>
+#include <kivmetadata/Value.h>
+#include <kivmetadata/ValueAccess.h>
+#include <kivmetadata/XMPMeta.h>
+#include <kivmetadataui/BindControl.h>
+#include <kivmetadataui/Control.h>
+#include <kivmetadataui/ControlFactory.h>
+#include <kivmetadataui/DateTimeString.h>
+#include <kivmetadataui/MetadataProviderWrapper.h>
+#include <kivmetadataui/UI_DateTextEdit.h>
+
+#include <kivcore/Localizer.h>
+#include <kivui/UI_AutoCompleteTextEdit.h>
+#include <kivui/UI_Checkbox.h>
+#include <kivui/UI_DragableTextEdit.h>
+#include <kivui/UI_HotTextNumber.h>
+#include <kivui/UI_Popup.h>
+#include <kivui/UI_StarRating.h>
+#include <kivui/UI_StaticText.h>
+#include <kivui/UI_SubView.h>
+#include <kivui/UI_TextEdit.h>
+#include <kivui/UI_URLEdit.h>
+
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QTextStream>
+
+#include <cmath>
+
+namespace kivmeta {
+
+using kivcore::utility::IntrusivePtr;
+using kivmetadata::Path;
+using kivmetadata::PrimitiveType;
+
+namespace {
+
+QString Q(std::string const& s) { return QString::fromStdString(s); }
+QString Q(std::u16string const& s) { return QString::fromStdU16String(s); }
+
+// What the model recorded since `mark`, as one readable reason.
+QString NewErrorText(std::size_t mark)
+{
+    std::vector<kivmetadata::ErrorInfo> const infos = kivmetadata::GetErrorInfos();
+    QStringList parts;
+    for (std::size_t i = mark; i < infos.size(); ++i) parts << Q(infos[i].mDescription);
+    return parts.join(QStringLiteral("; "));
+}
+
+std::optional<bool> ParseBoolean(QString const& text)
+{
+    QString t = text.trimmed().toLower();
+    if (t == u"true" || t == u"yes" || t == u"on" || t == u"1") return true;
+    if (t == u"false" || t == u"no" || t == u"off" || t == u"0") return false;
+    return std::nullopt;
+}
+
+QStringList SplitItems(QString const& text)
+{
+    QStringList items;
+    for (QString const& item : text.split(u';')) {
+        QString trimmed = item.trimmed();
+        if (!trimmed.isEmpty()) items << trimmed;
+    }
+    return items;
+}
+
+QString ChoiceList(kivmetadata::PropertyDefinition const& definition)
+{
+    QStringList raw;
+    for (kivmetadata::Choice const& choice : definition.mChoices) {
+        QString display = Q(kivcore::config::Localizer::Localize(choice.mDisplay));
+        raw << (display.isEmpty() || display == Q(choice.mRawValue)
+                    ? Q(choice.mRawValue)
+                    : QStringLiteral("%1 (%2)").arg(Q(choice.mRawValue), display));
+    }
+    return raw.join(QStringLiteral(", "));
+}
+
+// Whether what reads back is what the edit asked for, so that a value that a
+// binding silently dropped is reported instead of passing as written.
+bool ReadsBackAs(kivmetadata::Value const& value, PrimitiveType type, bool isDate, QString const& expected)
+{
+    std::string text;
+    kivmetadata::GetValueResult result{};
+    if (!kivmetadata::GetValue(value, text, result)) return false;
+    QString const actual = Q(text);
+    if (isDate) {
+        // Stored in ISO 8601, typed in any form the date edit reads.
+        kivmetadata::XMP_DateTime a{}, b{};
+        return kivmetadataui::ParseDateTimeStr(actual.toStdU16String(), a)
+               && kivmetadataui::ParseDateTimeStr(expected.toStdU16String(), b)
+               && kivmetadataui::FormatDateTimeStr(a) == kivmetadataui::FormatDateTimeStr(b);
+    }
+    switch (type) {
+    case kivmetadata::kPrimitiveType_Integer:
+    case kivmetadata::kPrimitiveType_Real: {
+        bool okA = false, okB = false;
+        double a = actual.toDouble(&okA), b = expected.trimmed().toDouble(&okB);
+        return okA && okB && std::abs(a - b) <= 1e-9 * std::max(1.0, std::abs(b));
+    }
+    case kivmetadata::kPrimitiveType_Boolean:
+        return ParseBoolean(actual) == ParseBoolean(expected);
+    case kivmetadata::kPrimitiveType_TextBag:
+    case kivmetadata::kPrimitiveType_TextSeq:
+        return SplitItems(actual) == SplitItems(expected);
+    default:
+        return actual == expected || actual == expected.trimmed();
+    }
+}
+
+bool PropertyExists(kivmetadata::Value const& value)
+{
+    std::string text;
+    kivmetadata::GetValueResult result{};
+    kivmetadata::GetValue(value, text, result);
+    return result == kivmetadata::kGetValueResult_OneValue || result == kivmetadata::kGetValueResult_SeveralValues;
+}
+
+// Puts the edit into the control the factory made and lets its binding write
+// it. Returns false with a reason when the control cannot take the value.
+bool FeedControl(kivmetadata::Value const& value, kivmetadataui::Control const& control,
+                 kivmetadata::PropertyDefinition const& definition, PrimitiveType type, PropertyEdit const& edit,
+                 QString& expected, QString& error)
+{
+    expected = edit.mValue;
+    kivui::UI_SubView* view = control.GetView().get();
+    bool const remove = edit.mKind == PropertyEdit::Kind::Delete;
+    std::u16string const text = remove ? std::u16string() : edit.mValue.toStdU16String();
+
+    if (dynamic_cast<kivui::UI_StaticText*>(view)) {
+        error = QStringLiteral("is read-only");
+        return false;
+    }
+    if (auto* date = dynamic_cast<kivmetadataui::UI_DateTextEdit*>(view)) {
+        kivmetadata::XMP_DateTime parsed{};
+        if (!remove && !kivmetadataui::ParseDateTimeStr(text, parsed)) {
+            error = QStringLiteral("\"%1\" is not a date (use YYYY-MM-DD, optionally with a time "
+                                   "HH:MM[:SS] and a zone)")
+                        .arg(edit.mValue);
+            return false;
+        }
+        date->SetValue(remove ? std::u16string() : kivmetadataui::FormatDateTimeStr(parsed));
+        kivmetadataui::UpdateValue(value, IntrusivePtr<kivmetadataui::UI_DateTextEdit>(date));
+        return true;
+    }
+    if (auto* edit2 = dynamic_cast<kivui::UI_TextEdit*>(view)) {
+        if (!remove) {
+            if (std::optional<std::u16string> warning = edit2->ValidateText(text)) {
+                error = Q(*warning);
+                return false;
+            }
+        }
+        edit2->SetValue(text, false);
+        if (auto* auto_ = dynamic_cast<kivui::UI_AutoCompleteTextEdit*>(view))
+            kivmetadataui::UpdateValue(value, IntrusivePtr<kivui::UI_AutoCompleteTextEdit>(auto_));
+        else if (auto* url = dynamic_cast<kivui::UI_URLEdit*>(view))
+            kivmetadataui::UpdateValue(value, IntrusivePtr<kivui::UI_URLEdit>(url));
+        else if (auto* drag = dynamic_cast<kivui::UI_DragableTextEdit*>(view))
+            kivmetadataui::UpdateValue(value, IntrusivePtr<kivui::UI_DragableTextEdit>(drag));
+        else
+            kivmetadataui::UpdateValue(value, IntrusivePtr<kivui::UI_TextEdit>(edit2));
+        return true;
+    }
+    if (auto* box = dynamic_cast<kivui::UI_Checkbox*>(view)) {
+        if (remove) {
+            box->SetValueUnknown(true);
+        } else {
+            std::optional<bool> checked = ParseBoolean(edit.mValue);
+            if (!checked) {
+                error = QStringLiteral("\"%1\" is not a boolean (use True or False)").arg(edit.mValue);
+                return false;
+            }
+            box->SetValue(*checked ? kivui::UI_Checkbox::kChecked : kivui::UI_Checkbox::kUnchecked);
+        }
+        kivmetadataui::UpdateValue(value, IntrusivePtr<kivui::UI_Checkbox>(box));
+        return true;
+    }
+    if (auto* number = dynamic_cast<kivui::UI_HotTextNumber*>(view)) {
+        if (remove) {
+            number->SetValue(std::nan(""));
+        } else {
+            bool ok = false;
+            double d = edit.mValue.trimmed().toDouble(&ok);
+            if (!ok || !std::isfinite(d)) {
+                error = QStringLiteral("\"%1\" is not a number").arg(edit.mValue);
+                return false;
+            }
+            if (type == kivmetadata::kPrimitiveType_Integer && d != std::floor(d)) {
+                error = QStringLiteral("\"%1\" is not a whole number").arg(edit.mValue);
+                return false;
+            }
+            if ((definition.mMinimum && d < *definition.mMinimum) || (definition.mMaximum && d > *definition.mMaximum)) {
+                error = QStringLiteral("%1 is outside the range %2 to %3")
+                            .arg(edit.mValue.trimmed())
+                            .arg(definition.mMinimum ? QString::number(*definition.mMinimum) : QStringLiteral("any"))
+                            .arg(definition.mMaximum ? QString::number(*definition.mMaximum) : QStringLiteral("any"));
+                return false;
+            }
+            number->SetValue(d);
+        }
+        kivmetadataui::UpdateValue(value, IntrusivePtr<kivui::UI_HotTextNumber>(number));
+        return true;
+    }
+    if (auto* stars = dynamic_cast<kivui::UI_StarRating*>(view)) {
+        double d = 0;
+        if (!remove) {
+            bool ok = false;
+            d = edit.mValue.trimmed().toDouble(&ok);
+            if (!ok || d < 0 || d > 5 || d != std::floor(d)) {
+                error = QStringLiteral("\"%1\" is not a rating (a whole number of stars from 0 to 5)")
+                            .arg(edit.mValue);
+                return false;
+            }
+        }
+        stars->SetValue(d);
+        kivmetadataui::UpdateValue(value, IntrusivePtr<kivui::UI_StarRating>(stars));
+        return true;
+    }
+    if (auto* popup = dynamic_cast<kivui::UI_Popup*>(view)) {
+        if (remove) {
+            popup->SetValueUnknown(true);
+        } else {
+            // The raw value first ("3"), then the text shown ("3 (Normal)").
+            QString const wanted = edit.mValue.trimmed();
+            int found = popup->FindItemByData(wanted.toStdString());
+            for (int i = 0; i < popup->CountItems() && found < 0; ++i)
+                if (Q(popup->GetItemText(i)).trimmed().compare(wanted, Qt::CaseInsensitive) == 0) found = i;
+            if (found >= 0) {
+                popup->SetValue(found);
+                expected = QString::fromStdString(popup->GetItemData(found).value_or(wanted.toStdString()));
+            } else if (popup->GetPopupType() == kivui::UI_Popup::kPopupTypeEditable) {
+                popup->SetValueString(edit.mValue.toStdU16String());
+            } else {
+                error = QStringLiteral("\"%1\" is not one of the choices: %2").arg(edit.mValue, ChoiceList(definition));
+                return false;
+            }
+        }
+        kivmetadataui::UpdateValue(value, IntrusivePtr<kivui::UI_Popup>(popup));
+        return true;
+    }
+    error = QStringLiteral("has no control that can edit it");
+    return false;
+}
+
+} // namespace
+
+std::optional<Path> ResolvePropertyName(QString const& name, QString& error)
+{
+    static QRegularExpression const part(QStringLiteral(R"(^([A-Za-z_][\w.\-]*):([A-Za-z_][\w.\-]*)((?:\[\d+\])?)$)"));
+    Path path;
+    QStringList converted;
+    for (QString const& step : name.split(u'/')) {
+        QRegularExpressionMatch m = part.match(step);
+        if (!m.hasMatch()) {
+            error = QStringLiteral("\"%1\" is not a property name (PREFIX:Name)").arg(name);
+            return std::nullopt;
+        }
+        std::string const prefix = m.captured(1).toStdString();
+        std::shared_ptr<kivmetadata::SchemaDefinition> schema = kivmetadata::SchemaDefinitionForPrefix(prefix);
+        std::string ns = schema ? schema->mNamespace : kivmetadata::XMPMeta::NamespaceForPrefix(prefix);
+        if (ns.empty()) {
+            error = QStringLiteral("unknown prefix \"%1\" in %2").arg(m.captured(1), name);
+            return std::nullopt;
+        }
+        if (path.mNamespace.empty()) path.mNamespace = ns;
+        std::string toolkitPrefix = kivmetadata::XMPMeta::PrefixForNamespace(ns);
+        if (toolkitPrefix.empty()) toolkitPrefix = prefix;
+        converted << Q(toolkitPrefix) + u':' + m.captured(2) + m.captured(3);
+    }
+    path.mPath = converted.join(u'/').toStdString();
+    if (!kivmetadata::PathEntryDefinition(path)) {
+        error = QStringLiteral("%1 is not a known property").arg(name);
+        return std::nullopt;
+    }
+    return path;
+}
+
+bool ApplyEdit(std::shared_ptr<kivmetadata::MetaDataProvider> const& provider, kivui::UI_SubView* parent,
+               PropertyEdit const& edit, QString& error)
+{
+    std::optional<Path> path = ResolvePropertyName(edit.mProperty, error);
+    if (!path) return false;
+    kivmetadata::Value const value{false, *path, provider};
+    std::shared_ptr<kivmetadata::PropertyDefinition> definition = kivmetadata::PathEntryDefinition(*path);
+    std::optional<PrimitiveType> type = kivmetadata::PrimitiveTypeOfPath(*path);
+    bool const remove = edit.mKind == PropertyEdit::Kind::Delete;
+    std::size_t const mark = kivmetadata::GetErrorInfos().size();
+
+    if (!type) {
+        // Structs and arrays of structs have no control of their own: they
+        // can only be removed as a whole; their fields are set one by one.
+        if (!remove) {
+            error = QStringLiteral("%1 is a structure: set its fields, e.g. %1/PREFIX:Field=VALUE").arg(edit.mProperty);
+            return false;
+        }
+        kivmetadata::MetaDataUpdateAccess access(provider);
+        if (kivmetadata::DeleteValue(value)) access.AddChange(*path);
+        return true;
+    }
+    if (!provider->AcceptsPath(value, true)) {
+        error = QStringLiteral("%1 cannot be written").arg(edit.mProperty);
+        return false;
+    }
+
+    IntrusivePtr<kivui::UI_Node> parentNode(parent);
+    std::shared_ptr<kivmetadataui::Control> control =
+        kivmetadataui::ControlFactory(value, parentNode, false, nullptr, nullptr);
+    if (!control || !control->GetView()) {
+        error = QStringLiteral("%1 has no control that can edit it").arg(edit.mProperty);
+        return false;
+    }
+    QString reason, expected;
+    bool fed = FeedControl(value, *control, *definition, *type, edit, expected, reason);
+    control.reset();
+    if (!fed) {
+        error = QStringLiteral("%1: %2").arg(edit.mProperty, reason);
+        return false;
+    }
+
+    if (remove) {
+        if (PropertyExists(value)) {
+            kivmetadata::MetaDataUpdateAccess access(provider);
+            if (kivmetadata::DeleteValue(value)) access.AddChange(*path);
+        }
+        return true;
+    }
+    if (!ReadsBackAs(value, *type, definition->mTypeId == "date", expected)) {
+        QString model = NewErrorText(mark);
+        error = QStringLiteral("%1: the value \"%2\" was refused%3")
+                    .arg(edit.mProperty, edit.mValue, model.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(model));
+        return false;
+    }
+    return true;
+}
+
+QString WriteRefusalReason(kivmetadata::FileMetaDataProvider const& provider)
+{
+    if (!provider.IsWritable()) return QStringLiteral("its metadata could not be read, so it is not rewritten");
+    std::u16string const& target = provider.SidecarPath().empty() ? provider.FilePath() : provider.SidecarPath();
+    QFileInfo info(Q(target));
+    if (info.exists()) {
+        constexpr auto anyWrite = QFile::WriteOwner | QFile::WriteGroup | QFile::WriteOther;
+        if (!info.isWritable() || !(info.permissions() & anyWrite)) return QStringLiteral("the file is read-only");
+    } else if (!QFileInfo(info.absolutePath()).isWritable()) {
+        return QStringLiteral("the folder cannot be written");
+    }
+    return {};
+}
+
+int RunEdits(QStringList const& files, std::vector<PropertyEdit> const& edits, QTextStream& err)
+{
+    // Resolve every name first: a typo must not leave some files edited.
+    for (PropertyEdit const& edit : edits) {
+        QString error;
+        if (!ResolvePropertyName(edit.mProperty, error)) {
+            err << "kivmeta: " << error << ". No file was changed.\n";
+            return 1;
+        }
+    }
+
+    std::vector<std::shared_ptr<kivmetadata::FileMetaDataProvider>> providers;
+    for (QString const& file : files) {
+        std::string openError;
+        auto provider = kivmetadata::FileMetaDataProvider::Open(file.toStdU16String(), &openError);
+        if (!provider) {
+            err << "kivmeta: cannot open " << file << ": " << Q(openError) << ". No file was changed.\n";
+            return 1;
+        }
+        if (QString reason = WriteRefusalReason(*provider); !reason.isEmpty()) {
+            err << "kivmeta: cannot write " << file << ": " << reason << ". No file was changed.\n";
+            return 1;
+        }
+        providers.push_back(std::move(provider));
+    }
+
+    std::vector<std::shared_ptr<kivmetadataui::MetadataProviderWrapper>> wrappers;
+    std::vector<std::shared_ptr<kivmetadata::MetaDataProvider>> assets;
+    for (auto const& provider : providers) {
+        auto wrapper = std::make_shared<kivmetadataui::MetadataProviderWrapper>(provider);
+        wrappers.push_back(wrapper);
+        assets.push_back(wrapper);
+    }
+    std::shared_ptr<kivmetadata::MetaDataProvider> target =
+        assets.size() == 1 ? assets.front() : std::make_shared<kivmetadata::MultiMetaDataProvider>(assets);
+
+    IntrusivePtr<kivui::UI_SubView> parent(new kivui::UI_SubView());
+    for (PropertyEdit const& edit : edits) {
+        QString error;
+        if (!ApplyEdit(target, parent.get(), edit, error)) {
+            err << "kivmeta: " << error << ". No file was changed.\n";
+            return 1;
+        }
+    }
+
+    int status = 0;
+    for (std::size_t i = 0; i < providers.size(); ++i) {
+        wrappers[i]->CommitChanges();
+        std::string saveError;
+        if (!providers[i]->Save(&saveError)) {
+            err << "kivmeta: cannot write " << files[int(i)] << ": " << Q(saveError)
+                << ". The file was left as it was.\n";
+            status = 1;
+        }
+    }
+    return status;
+}
+
+int RunDumps(QStringList const& files, QTextStream& out, QTextStream& err)
+{
+    int status = 0;
+    for (QString const& file : files) {
+        std::string openError;
+        auto provider = kivmetadata::FileMetaDataProvider::Open(file.toStdU16String(), &openError);
+        if (!provider) {
+            err << "kivmeta: cannot open " << file << ": " << Q(openError) << "\n";
+            status = 1;
+            continue;
+        }
+        if (files.size() > 1) out << "==> " << file << " <==\n";
+        kivmetadata::MetaDataReadAccess access(provider);
+        if (kivmetadata::XMPMeta const* meta = access.GetMeta()) {
+            for (QString const& line : DumpLines(*meta)) out << line << '\n';
+        }
+    }
+    out.flush();
+    return status;
+}
+
+} // namespace kivmeta

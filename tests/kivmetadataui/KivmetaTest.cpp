@@ -1,0 +1,465 @@
+// kivmeta end to end: the program run on JPEG files that the tests make,
+// checked by reading the files back (with the metadata model, with exiftool
+// when it is installed, and byte for byte where nothing may change), and the
+// window driven in-process.
+#include "CommandLine.h"
+#include "MetadataDump.h"
+#include "MetadataWindow.h"
+#include "PropertyEditor.h"
+#include "SampleImage.h"
+#include "Screenshots.h"
+
+#include <kivmetadata/FileMetaDataProvider.h>
+#include <kivmetadata/GetValueResult.h>
+#include <kivmetadata/MetaDataProvider.h>
+#include <kivmetadata/Value.h>
+#include <kivmetadata/ValueAccess.h>
+#include <kivmetadata/XMPMeta.h>
+#include <kivmetadataui/Initialize.h>
+#include <kivui/ScriptedResponses.h>
+#include <kivui/UI_SubView.h>
+
+#include <QDir>
+#include <QTabWidget>
+#include <QFile>
+#include <QImage>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTextStream>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <set>
+
+namespace {
+
+using kivmeta::PropertyEdit;
+
+// A packet with the kinds of values the panels show: language alternatives,
+// ordered and unordered arrays, a struct, an array of structs, numbers,
+// dates, choices and a read-only rational.
+constexpr char kPacket[] = R"(<x:xmpmeta xmlns:x="adobe:ns:meta/">
+ <rdf:RDF xmlns:rdf="http://www.w3.org/1999/02/22-rdf-syntax-ns#">
+  <rdf:Description rdf:about=""
+    xmlns:dc="http://purl.org/dc/elements/1.1/"
+    xmlns:xmp="http://ns.adobe.com/xap/1.0/"
+    xmlns:photoshop="http://ns.adobe.com/photoshop/1.0/"
+    xmlns:Iptc4xmpCore="http://iptc.org/std/Iptc4xmpCore/1.0/xmlns/"
+    xmlns:Iptc4xmpExt="http://iptc.org/std/Iptc4xmpExt/2008-02-29/"
+    xmlns:exif="http://ns.adobe.com/exif/1.0/"
+    xmlns:tiff="http://ns.adobe.com/tiff/1.0/"
+    xmp:Rating="3" xmp:CreateDate="2024-06-14T18:42:07+02:00"
+    photoshop:City="Bergen" photoshop:Urgency="3" exif:FNumber="28/10" tiff:Make="Fjordcam">
+   <dc:title><rdf:Alt><rdf:li xml:lang="x-default">Harbour</rdf:li></rdf:Alt></dc:title>
+   <dc:creator><rdf:Seq><rdf:li>Kari Nordmann</rdf:li></rdf:Seq></dc:creator>
+   <dc:subject><rdf:Bag><rdf:li>harbour</rdf:li><rdf:li>boats</rdf:li></rdf:Bag></dc:subject>
+   <Iptc4xmpCore:CreatorContactInfo rdf:parseType="Resource">
+    <Iptc4xmpCore:CiAdrCity>Bergen</Iptc4xmpCore:CiAdrCity>
+   </Iptc4xmpCore:CreatorContactInfo>
+   <Iptc4xmpExt:LocationShown><rdf:Bag><rdf:li rdf:parseType="Resource">
+    <Iptc4xmpExt:City>Bergen</Iptc4xmpExt:City></rdf:li></rdf:Bag></Iptc4xmpExt:LocationShown>
+  </rdf:Description>
+ </rdf:RDF>
+</x:xmpmeta>)";
+
+QByteArray ReadAll(QString const& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+struct Run {
+    int mStatus = -1;
+    QString mOut;
+    QString mErr;
+};
+
+Run RunKivmeta(QStringList const& arguments)
+{
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    process.setProcessEnvironment(environment);
+    process.start(QStringLiteral(KIVMETA_BINARY), arguments);
+    Run run;
+    if (!process.waitForFinished(120000)) {
+        process.kill();
+        process.waitForFinished();
+        run.mErr = QStringLiteral("timed out");
+        return run;
+    }
+    run.mStatus = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    run.mOut = QString::fromUtf8(process.readAllStandardOutput());
+    run.mErr = QString::fromUtf8(process.readAllStandardError());
+    return run;
+}
+
+std::set<QString> Lines(QString const& text)
+{
+    std::set<QString> lines;
+    for (QString const& line : text.split(u'\n', Qt::SkipEmptyParts)) lines.insert(line);
+    return lines;
+}
+
+// Lines in `a` and not in `b`.
+std::set<QString> Minus(std::set<QString> const& a, std::set<QString> const& b)
+{
+    std::set<QString> out;
+    std::set_difference(a.begin(), a.end(), b.begin(), b.end(), std::inserter(out, out.end()));
+    return out;
+}
+
+class KivmetaTest : public ::testing::Test {
+protected:
+    static void SetUpTestSuite() { kivmetadataui::Initialize(); }
+    static void TearDownTestSuite() { kivmetadataui::Terminate(); }
+
+    void SetUp() override { ASSERT_TRUE(mFolder.isValid()); }
+
+    QString MakeJpeg(QString const& name, std::string packet = kPacket)
+    {
+        QString const path = mFolder.filePath(name);
+        QString error;
+        EXPECT_TRUE(kivmeta::WriteJpegWithMetadata(path, kivmeta::PaintSamplePicture(QSize(64, 48)), packet, error))
+            << error.toStdString();
+        return path;
+    }
+
+    std::set<QString> Dump(QString const& path)
+    {
+        Run run = RunKivmeta({QStringLiteral("--dump"), path});
+        EXPECT_EQ(run.mStatus, 0) << run.mErr.toStdString();
+        return Lines(run.mOut);
+    }
+
+    static std::string ReadValue(QString const& path, std::string const& ns, std::string const& property)
+    {
+        auto provider = kivmetadata::FileMetaDataProvider::Open(path.toStdU16String());
+        if (!provider) return "<unreadable>";
+        std::string text;
+        kivmetadata::GetValueResult result{};
+        kivmetadata::GetValue(kivmetadata::Value{false, {ns, property}, provider}, text, result);
+        return result == kivmetadata::kGetValueResult_OneValue ? text : "<absent>";
+    }
+
+    QTemporaryDir mFolder;
+};
+
+constexpr char kDc[] = "http://purl.org/dc/elements/1.1/";
+constexpr char kPhotoshop[] = "http://ns.adobe.com/photoshop/1.0/";
+
+TEST(KivmetaCommandLineTest, ParsesOptionsAndRefusesMalformedOnes)
+{
+    kivmeta::CommandLine line;
+    QString error;
+    ASSERT_TRUE(kivmeta::ParseCommandLine({"--set", "dc:title=a=b", "--delete=dc:subject", "--set=xmp:Rating=", "f.jpg",
+                                           "--", "--odd.jpg"},
+                                          line, error))
+        << error.toStdString();
+    ASSERT_EQ(line.mEdits.size(), 3u);
+    EXPECT_EQ(line.mEdits[0].mProperty, "dc:title");
+    EXPECT_EQ(line.mEdits[0].mValue, "a=b"); // only the first '=' separates
+    EXPECT_EQ(line.mEdits[1].mKind, PropertyEdit::Kind::Delete);
+    EXPECT_EQ(line.mEdits[2].mValue, ""); // an empty value is a value
+    EXPECT_EQ(line.mFiles, QStringList({"f.jpg", "--odd.jpg"}));
+
+    ASSERT_TRUE(kivmeta::ParseCommandLine({"--screenshot", "shots", "--dump", "a.jpg"}, line, error));
+    EXPECT_EQ(line.mScreenshotDir.value_or(""), "shots");
+    EXPECT_EQ(line.mDumpFiles, QStringList({"a.jpg"}));
+
+    QStringList const refused[] = {
+        {"--set", "dc:title", "f.jpg"},       // no value
+        {"--set", "title=x", "f.jpg"},        // no prefix
+        {"--set", ":title=x", "f.jpg"},       // empty prefix
+        {"--delete", "dc:", "f.jpg"},         // empty name
+        {"--set"},                            // missing argument
+        {"--screenshot"},                     // missing folder
+        {"--bogus"},                          // unknown option
+        {"--set", "dc:title=x"},              // edits without a file
+        {"--screenshot", "d", "--set", "dc:title=x", "f.jpg"},
+    };
+    for (QStringList const& arguments : refused) {
+        error.clear();
+        EXPECT_FALSE(kivmeta::ParseCommandLine(arguments, line, error)) << arguments.join(' ').toStdString();
+        EXPECT_FALSE(error.isEmpty()) << arguments.join(' ').toStdString();
+    }
+}
+
+TEST(KivmetaNamesTest, ScreenshotFileNamesAndWindowTitles)
+{
+    std::pair<QString, QString> const stems[] = {{"Description", "description"}, {"IPTC Core", "iptc-core"},
+                                                 {"Audio/Video", "audio-video"},  {"Raw Data", "raw-data"},
+                                                 {" GPS  Data ", "gps-data"},     {"***", "panel"}};
+    for (auto const& [label, stem] : stems) EXPECT_EQ(kivmeta::PanelFileStem(label), stem) << label.toStdString();
+
+    EXPECT_EQ(kivmeta::WindowTitleForFiles({"a.jpg"}), "a.jpg - kivmeta");
+    EXPECT_EQ(kivmeta::WindowTitleForFiles({"a.jpg", "b.jpg", "c.jpg", "d.jpg"}), "a.jpg, b.jpg, c.jpg, d.jpg - kivmeta");
+    QStringList many;
+    for (int i = 0; i < 500; ++i) many << QStringLiteral("%1.jpg").arg(i);
+    EXPECT_EQ(kivmeta::WindowTitleForFiles(many), "0.jpg, 1.jpg, 2.jpg and 497 more - kivmeta");
+}
+
+TEST(KivmetaDumpTest, ListsLeavesSortedWithItemsInNumericOrder)
+{
+    std::string packet = R"(<x:xmpmeta xmlns:x="adobe:ns:meta/"><rdf:RDF xmlns:rdf="http://www.w3.org/1999/02/22-rdf-syntax-ns#">
+      <rdf:Description rdf:about="" xmlns:dc="http://purl.org/dc/elements/1.1/"
+        xmlns:Iptc4xmpCore="http://iptc.org/std/Iptc4xmpCore/1.0/xmlns/">
+       <dc:subject><rdf:Bag>)";
+    for (int i = 1; i <= 11; ++i) packet += "<rdf:li>s" + std::to_string(i) + "</rdf:li>";
+    packet += R"(</rdf:Bag></dc:subject>
+       <dc:description><rdf:Alt><rdf:li xml:lang="x-default">line one
+line two \ end</rdf:li></rdf:Alt></dc:description>
+       <Iptc4xmpCore:CreatorContactInfo rdf:parseType="Resource">
+        <Iptc4xmpCore:CiAdrCity>Bergen</Iptc4xmpCore:CiAdrCity></Iptc4xmpCore:CreatorContactInfo>
+      </rdf:Description></rdf:RDF></x:xmpmeta>)";
+    std::string error;
+    auto meta = kivmetadata::XMPMeta::Parse(packet, &error);
+    ASSERT_TRUE(meta) << error;
+    QStringList lines = kivmeta::DumpLines(*meta);
+
+    EXPECT_TRUE(lines.contains("Iptc4xmpCore:CreatorContactInfo/Iptc4xmpCore:CiAdrCity=Bergen")) << lines.join('\n').toStdString();
+    EXPECT_TRUE(lines.contains("dc:description[1]=line one\\nline two \\\\ end"));
+    EXPECT_TRUE(lines.contains("dc:description[1]/?xml:lang=x-default"));
+    // Items 1..11 in numeric order, and the whole list sorted.
+    QStringList subjects = lines.filter(QStringLiteral("dc:subject["));
+    ASSERT_EQ(subjects.size(), 11);
+    for (int i = 0; i < 11; ++i) EXPECT_EQ(subjects[i], QStringLiteral("dc:subject[%1]=s%1").arg(i + 1));
+    EXPECT_LT(lines.indexOf("Iptc4xmpCore:CreatorContactInfo/Iptc4xmpCore:CiAdrCity=Bergen"),
+              lines.indexOf("dc:description[1]=line one\\nline two \\\\ end"));
+    for (QString const& line : lines) EXPECT_FALSE(line.contains(u'\n'));
+}
+
+TEST_F(KivmetaTest, SetChangesExactlyThatPropertyAndNothingElse)
+{
+    QString const file = MakeJpeg("set.jpg");
+    std::set<QString> const before = Dump(file);
+    ASSERT_TRUE(before.count("photoshop:City=Bergen"));
+
+    Run run = RunKivmeta({"--set", "photoshop:City=Tromsø", "--set", "xmp:Rating=5", "--set", "dc:subject=sea; fjord",
+                          file});
+    ASSERT_EQ(run.mStatus, 0) << run.mErr.toStdString();
+
+    std::set<QString> const after = Dump(file);
+    EXPECT_EQ(Minus(before, after), (std::set<QString>{"photoshop:City=Bergen", "xmp:Rating=3", "dc:subject[1]=harbour",
+                                                        "dc:subject[2]=boats"}));
+    EXPECT_EQ(Minus(after, before), (std::set<QString>{"photoshop:City=Tromsø", "xmp:Rating=5", "dc:subject[1]=sea",
+                                                        "dc:subject[2]=fjord"}));
+}
+
+TEST_F(KivmetaTest, ExiftoolSeesTheEditAndNothingElse)
+{
+    QString const exiftool = QStandardPaths::findExecutable(QStringLiteral("exiftool"));
+    if (exiftool.isEmpty()) GTEST_SKIP() << "exiftool is not installed";
+    auto readTags = [&exiftool](QString const& path) {
+        QProcess process;
+        // -a: exiftool otherwise hides XMP tags that share a name with IPTC ones.
+        process.start(exiftool, {"-a", "-G1", "-s", "-XMP:All", "-charset", "UTF8", path});
+        process.waitForFinished(60000);
+        return Lines(QString::fromUtf8(process.readAllStandardOutput()));
+    };
+    QString const file = MakeJpeg("exiftool.jpg");
+    std::set<QString> const before = readTags(file);
+    ASSERT_FALSE(before.empty());
+
+    Run run = RunKivmeta({"--set", "dc:title=Harbour at night", "--delete", "photoshop:City", file});
+    ASSERT_EQ(run.mStatus, 0) << run.mErr.toStdString();
+
+    std::set<QString> const after = readTags(file);
+    std::set<QString> gone = Minus(before, after), added = Minus(after, before);
+    ASSERT_EQ(gone.size(), 2u) << QStringList(gone.begin(), gone.end()).join('\n').toStdString();
+    ASSERT_EQ(added.size(), 1u) << QStringList(added.begin(), added.end()).join('\n').toStdString();
+    auto simplified = [](QString const& line) { return line.simplified(); };
+    EXPECT_EQ(simplified(*added.begin()), "[XMP-dc] Title : Harbour at night");
+    std::set<QString> goneSimplified;
+    for (QString const& line : gone) goneSimplified.insert(simplified(line));
+    EXPECT_EQ(goneSimplified, (std::set<QString>{"[XMP-dc] Title : Harbour", "[XMP-photoshop] City : Bergen"}));
+}
+
+TEST_F(KivmetaTest, DeleteRemovesArraysStructsAndFieldsOnly)
+{
+    QString const file = MakeJpeg("delete.jpg");
+    std::set<QString> const before = Dump(file);
+    Run run = RunKivmeta({"--delete", "dc:subject", "--delete", "Iptc4xmpCore:CreatorContactInfo", "--delete",
+                          "Iptc4xmpExt:LocationShown[1]/Iptc4xmpExt:City", file});
+    ASSERT_EQ(run.mStatus, 0) << run.mErr.toStdString();
+    std::set<QString> const after = Dump(file);
+    for (QString const& line : Minus(before, after))
+        EXPECT_TRUE(line.startsWith("dc:subject[") || line.startsWith("Iptc4xmpCore:CreatorContactInfo/")
+                    || line.startsWith("Iptc4xmpExt:LocationShown[1]/Iptc4xmpExt:City="))
+            << line.toStdString();
+    EXPECT_TRUE(Minus(after, before).empty());
+    EXPECT_EQ(ReadValue(file, kDc, "dc:subject"), "<absent>");
+    EXPECT_EQ(ReadValue(file, kDc, "dc:title"), "Harbour");
+}
+
+TEST_F(KivmetaTest, RefusedValuesLeaveTheFileByteForByte)
+{
+    QString const file = MakeJpeg("refused.jpg");
+    QByteArray const original = ReadAll(file);
+    QStringList const refused[] = {
+        {"--set", "xmp:Rating=abc"},          // not a number
+        {"--set", "photoshop:Urgency=12"},    // not one of the choices
+        {"--set", "xmp:CreateDate=yesterday"}, // not a date
+        {"--set", "exif:FNumber=2"},          // a rational: read-only
+        {"--set", "nope:Thing=1"},            // unknown prefix
+        {"--set", "dc:noSuchProperty=1"},     // unknown property
+        {"--set", "Iptc4xmpCore:CreatorContactInfo=x"}, // a struct as a whole
+        // A good edit before a bad one must not be saved either.
+        {"--set", "photoshop:City=Oslo", "--set", "xmp:Rating=abc"},
+    };
+    for (QStringList arguments : refused) {
+        arguments << file;
+        Run run = RunKivmeta(arguments);
+        EXPECT_NE(run.mStatus, 0) << arguments.join(' ').toStdString();
+        EXPECT_TRUE(run.mErr.contains("kivmeta:")) << arguments.join(' ').toStdString() << ": " << run.mErr.toStdString();
+        EXPECT_EQ(ReadAll(file), original) << arguments.join(' ').toStdString();
+    }
+}
+
+TEST_F(KivmetaTest, UnwritableFilesAreReportedAndKept)
+{
+    QString const file = MakeJpeg("readonly.jpg");
+    QByteArray const original = ReadAll(file);
+    ASSERT_TRUE(QFile::setPermissions(file, QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther));
+    Run run = RunKivmeta({"--set", "dc:title=changed", file});
+    QFile::setPermissions(file, QFile::ReadOwner | QFile::WriteOwner);
+    EXPECT_NE(run.mStatus, 0);
+    EXPECT_TRUE(run.mErr.contains("readonly.jpg")) << run.mErr.toStdString();
+    EXPECT_EQ(ReadAll(file), original);
+
+    Run missing = RunKivmeta({"--set", "dc:title=changed", mFolder.filePath("missing.jpg")});
+    EXPECT_NE(missing.mStatus, 0);
+    EXPECT_TRUE(missing.mErr.contains("missing.jpg")) << missing.mErr.toStdString();
+}
+
+TEST_F(KivmetaTest, SeveralFilesGetTheEditAndKeepTheirOwnValues)
+{
+    QString const a = MakeJpeg("a.jpg");
+    std::string packetB = kPacket;
+    packetB.replace(packetB.find("Bergen"), 6, "Narvik"); // photoshop:City differs
+    QString const b = MakeJpeg("b.jpg", packetB);
+
+    Run run = RunKivmeta({"--set", "dc:title=Shared", a, b});
+    ASSERT_EQ(run.mStatus, 0) << run.mErr.toStdString();
+    EXPECT_EQ(ReadValue(a, kDc, "dc:title"), "Shared");
+    EXPECT_EQ(ReadValue(b, kDc, "dc:title"), "Shared");
+    EXPECT_EQ(ReadValue(a, kPhotoshop, "photoshop:City"), "Bergen");
+    EXPECT_EQ(ReadValue(b, kPhotoshop, "photoshop:City"), "Narvik");
+
+    Run dump = RunKivmeta({"--dump", a, "--dump", b});
+    EXPECT_EQ(dump.mStatus, 0);
+    EXPECT_TRUE(dump.mOut.contains("==> " + a + " <==") && dump.mOut.contains("==> " + b + " <=="));
+}
+
+TEST_F(KivmetaTest, ScreenshotsOnePngPerTabInBothLooks)
+{
+    QString const file = MakeJpeg("shots.jpg");
+    QString const dir = mFolder.filePath("shots");
+    Run run = RunKivmeta({"--screenshot", dir, file});
+    ASSERT_EQ(run.mStatus, 0) << run.mErr.toStdString();
+
+    // The same count per look as the window has tabs, named <nn>-<panel>.png.
+    auto provider = kivmetadata::FileMetaDataProvider::Open(file.toStdU16String());
+    ASSERT_TRUE(provider);
+    kivmeta::MetadataWindow window({provider});
+    int const panels = window.CountPanels();
+    ASSERT_GE(panels, 2);
+    for (QString look : {"v7", "v5"}) {
+        QStringList pngs = QDir(dir + "/" + look).entryList({"*.png"}, QDir::Files, QDir::Name);
+        ASSERT_EQ(pngs.size(), panels) << look.toStdString();
+        EXPECT_EQ(pngs.first(), "01-" + kivmeta::PanelFileStem(window.Tabs()->tabText(0)) + ".png");
+        EXPECT_EQ(pngs.last(), QStringLiteral("%1-raw-data.png").arg(panels, 2, 10, QLatin1Char('0')));
+        for (QString const& png : pngs) {
+            QImage image(dir + "/" + look + "/" + png);
+            EXPECT_FALSE(image.isNull()) << png.toStdString();
+            EXPECT_GT(image.width(), 300);
+        }
+    }
+    // The looks really differ.
+    EXPECT_NE(ReadAll(dir + "/v7/01-" + kivmeta::PanelFileStem(window.Tabs()->tabText(0)) + ".png"),
+              ReadAll(dir + "/v5/01-" + kivmeta::PanelFileStem(window.Tabs()->tabText(0)) + ".png"));
+}
+
+TEST_F(KivmetaTest, EmbeddedSampleOpensWithoutAFile)
+{
+    QString const dir = mFolder.filePath("sample");
+    Run run = RunKivmeta({"--screenshot", dir});
+    ASSERT_EQ(run.mStatus, 0) << run.mErr.toStdString();
+    EXPECT_FALSE(QDir(dir + "/v7").entryList({"*.png"}, QDir::Files).isEmpty());
+}
+
+TEST_F(KivmetaTest, WindowEditsReachFilesOnlyOnOk)
+{
+    QString const a = MakeJpeg("wa.jpg");
+    std::string packetB = kPacket;
+    packetB.replace(packetB.find("Bergen"), 6, "Narvik");
+    QString const b = MakeJpeg("wb.jpg", packetB);
+    QByteArray const originalA = ReadAll(a), originalB = ReadAll(b);
+    auto open = [](QString const& path) { return kivmetadata::FileMetaDataProvider::Open(path.toStdU16String()); };
+    kivui::UI_SubView* parent = new kivui::UI_SubView();
+    kivcore::utility::IntrusivePtr<kivui::UI_SubView> holder(parent);
+
+    {
+        kivmeta::MetadataWindow window({open(a), open(b)});
+        EXPECT_TRUE(window.windowTitle().contains("wa.jpg") && window.windowTitle().contains("wb.jpg"));
+        std::string text;
+        kivmetadata::GetValueResult result{};
+        kivmetadata::GetValue(kivmetadata::Value{false, {kPhotoshop, "photoshop:City"}, window.EditedProvider()}, text,
+                              result);
+        EXPECT_EQ(result, kivmetadata::kGetValueResult_SeveralValues);
+
+        QString error;
+        ASSERT_TRUE(kivmeta::ApplyEdit(window.EditedProvider(), parent, {PropertyEdit::Kind::Set, "dc:title", "Edited"},
+                                       error))
+            << error.toStdString();
+        // Cancel: the window goes, nothing is written.
+    }
+    EXPECT_EQ(ReadAll(a), originalA);
+    EXPECT_EQ(ReadAll(b), originalB);
+
+    {
+        kivmeta::MetadataWindow window({open(a), open(b)});
+        QString error;
+        ASSERT_TRUE(kivmeta::ApplyEdit(window.EditedProvider(), parent, {PropertyEdit::Kind::Set, "dc:title", "Edited"},
+                                       error));
+        EXPECT_TRUE(window.Commit()) << window.LastSaveErrors().join('\n').toStdString();
+    }
+    EXPECT_EQ(ReadValue(a, kDc, "dc:title"), "Edited");
+    EXPECT_EQ(ReadValue(b, kDc, "dc:title"), "Edited");
+    EXPECT_EQ(ReadValue(b, kPhotoshop, "photoshop:City"), "Narvik");
+}
+
+TEST_F(KivmetaTest, OkWithAnUnwritableFileSavesTheOthersAndKeepsItIntact)
+{
+    QString const a = MakeJpeg("ok.jpg");
+    QString const b = MakeJpeg("locked.jpg");
+    QByteArray const originalB = ReadAll(b);
+    ASSERT_TRUE(QFile::setPermissions(b, QFile::ReadOwner | QFile::ReadGroup));
+    auto open = [](QString const& path) { return kivmetadata::FileMetaDataProvider::Open(path.toStdU16String()); };
+    kivcore::utility::IntrusivePtr<kivui::UI_SubView> parent(new kivui::UI_SubView());
+
+    using kivui::dialogs::ScriptedResponses;
+    ScriptedResponses::Clear();
+    ScriptedResponses::ClearHistory();
+    ScriptedResponses::PushOk();
+    {
+        kivmeta::MetadataWindow window({open(a), open(b)});
+        QString error;
+        ASSERT_TRUE(kivmeta::ApplyEdit(window.EditedProvider(), parent.get(),
+                                       {PropertyEdit::Kind::Set, "photoshop:City", "Oslo"}, error));
+        EXPECT_FALSE(window.Commit());
+        ASSERT_EQ(window.LastSaveErrors().size(), 1);
+        EXPECT_TRUE(window.LastSaveErrors().first().contains("locked.jpg"));
+    }
+    QFile::setPermissions(b, QFile::ReadOwner | QFile::WriteOwner);
+
+    EXPECT_EQ(ScriptedResponses::Pending(), 0u);
+    ASSERT_EQ(ScriptedResponses::History().size(), 1u);
+    EXPECT_TRUE(QString::fromStdU16String(ScriptedResponses::History().front().message).contains("locked.jpg"));
+    EXPECT_EQ(ReadValue(a, kPhotoshop, "photoshop:City"), "Oslo");
+    EXPECT_EQ(ReadAll(b), originalB);
+}
+
+} // namespace
