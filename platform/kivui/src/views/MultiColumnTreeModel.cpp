@@ -17,15 +17,6 @@ namespace kivui::detail {
 
 using kivcore::RectF;
 
-namespace {
-
-QString ToQString(std::u16string const &inText)
-{
-    return QString::fromUtf16(inText.data(), static_cast<qsizetype>(inText.size()));
-}
-
-} // namespace
-
 void MultiColumnTreeModel::Renumber(Row &inParent, std::size_t inFrom)
 {
     for (std::size_t i = inFrom; i < inParent.mChildren.size(); ++i)

@@ -16,6 +16,7 @@ namespace kivui {
 using kivcore::PointF;
 using kivcore::RectF;
 using detail::Row;
+using detail::ToQString;
 using RowPtr = UI_MultiColumnTree::RowPtr;
 
 namespace {
@@ -25,11 +26,6 @@ constexpr char const *kUnit = "kivui/views/UI_MultiColumnTree";
 // Cell views of this many rows beyond the visible ones stay placed, so that
 // scrolling back and forth by a little does not rebuild them.
 constexpr std::size_t kPlacedSlack = 32;
-
-QString ToQString(std::u16string const &inText)
-{
-    return QString::fromUtf16(inText.data(), static_cast<qsizetype>(inText.size()));
-}
 
 void CollectOpened(Row const &inParent, std::vector<RowPtr> &ioRows)
 {

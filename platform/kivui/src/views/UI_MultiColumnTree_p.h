@@ -16,6 +16,11 @@ namespace detail {
 
 using Row = UI_MultiColumnTreeRow;
 
+inline QString ToQString(std::u16string const &inText)
+{
+    return QString::fromUtf16(inText.data(), static_cast<qsizetype>(inText.size()));
+}
+
 // Item model over the row objects: an index's internal pointer is its row.
 class MultiColumnTreeModel final : public QAbstractItemModel {
 public:
@@ -136,7 +141,6 @@ struct UI_MultiColumnTree::Private {
     void CellViewChanged(UI_MultiColumnTreeRow &inRow, kivcore::utility::IntrusivePtr<UI_SubView> const &inOld);
     void HeightChanged(UI_MultiColumnTreeRow &inRow, float inOld);
     void OnExpansion(QModelIndex const &inIndex, bool inOpened);
-    bool Announcing() const { return !quiet; }
 
     UI_MultiColumnTree &tree;
     UI_MultiColumnTreeRow::IntrusivePtr root;
