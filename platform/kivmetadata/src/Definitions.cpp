@@ -157,7 +157,8 @@ std::optional<double> NumberAttribute(QXmlStreamAttributes const &attributes, ch
 
 std::string Utf8(QStringView text)
 {
-    return text.toString().toStdString();
+    QByteArray const bytes = text.toUtf8();
+    return std::string(bytes.constData(), static_cast<std::size_t>(bytes.size()));
 }
 
 // Reads <choice> children; the reader stands on the parent's start element.
@@ -166,7 +167,9 @@ public:
     explicit DefinitionReader(std::string_view xml)
         : mReader(QByteArray::fromRawData(xml.data(), static_cast<qsizetype>(xml.size())))
     {
-        mReader.setNamespaceProcessing(true);
+        // Definition files use one default namespace and unprefixed names:
+        // namespace processing would only cost time.
+        mReader.setNamespaceProcessing(false);
     }
 
     std::shared_ptr<SchemaDefinition> ReadSchema(std::string *error)
@@ -252,8 +255,9 @@ private:
     Choice ReadChoice()
     {
         Choice choice;
-        choice.mRawValue = Utf8(mReader.attributes().value(QLatin1String("value")));
-        choice.mDisplay = Utf8(mReader.attributes().value(QLatin1String("label")));
+        auto const attributes = mReader.attributes();
+        choice.mRawValue = Utf8(attributes.value(QLatin1String("value")));
+        choice.mDisplay = Utf8(attributes.value(QLatin1String("label")));
         if (choice.mDisplay.empty()) choice.mDisplay = choice.mRawValue;
         mReader.skipCurrentElement();
         return choice;
