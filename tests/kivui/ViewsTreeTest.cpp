@@ -98,11 +98,17 @@ TEST_F(TreeTest, RowsKnowTheirParentsChildrenAndPositions)
     auto grandKid = tree->AppendRow(kids[0]);
     auto inserted = tree->InsertRow(top[1], 0);
     auto clamped = tree->InsertRow({}, 99);
+    auto batch = tree->AppendRows(top[2], 3);
+    EXPECT_TRUE(tree->AppendRows(top[2], 0).empty());
 
     EXPECT_EQ(tree->CountRows(), 4);
     EXPECT_EQ(tree->GetRow(3), clamped);
     EXPECT_EQ(top[1]->CountChildRows(), 3);
     EXPECT_EQ(top[1]->GetChildRow(0), inserted);
+    ASSERT_EQ(batch.size(), 3u);
+    EXPECT_EQ(top[2]->GetChildRow(2), batch[2]);
+    EXPECT_EQ(batch[1]->GetIndexInParent(), 1);
+    EXPECT_EQ(batch[0]->GetParentRow(), top[2]);
     EXPECT_EQ(kids[0]->GetIndexInParent(), 1);
     EXPECT_EQ(kids[1]->GetIndexInParent(), 2);
     EXPECT_EQ(grandKid->GetParentRow(), kids[0]);

@@ -73,6 +73,8 @@ public:
 
     // Rows. A null parent means a top-level row.
     RowPtr AppendRow(RowPtr const &inParent = {});
+    // Appends inCount rows at once: one model update instead of inCount.
+    std::vector<RowPtr> AppendRows(RowPtr const &inParent, int inCount);
     // inIndex is clamped to [0, child count].
     RowPtr InsertRow(RowPtr const &inParent, int inIndex);
     // Removes the row and its descendants; their cell views leave the tree.

@@ -135,6 +135,20 @@ void MultiColumnTreeModel::Insert(Row &inParent, int inIndex, Row::IntrusivePtr 
     endInsertRows();
 }
 
+void MultiColumnTreeModel::Append(Row &inParent, std::vector<Row::IntrusivePtr> const &inRows)
+{
+    if (inRows.empty()) return;
+    int const first = inParent.CountChildRows();
+    beginInsertRows(IndexForRow(&inParent), first, first + static_cast<int>(inRows.size()) - 1);
+    inParent.mChildren.insert(inParent.mChildren.end(), inRows.begin(), inRows.end());
+    for (auto const &row : inRows) {
+        row->mParent = &inParent;
+        row->mTree = &mTree;
+    }
+    Renumber(inParent, static_cast<std::size_t>(first));
+    endInsertRows();
+}
+
 void MultiColumnTreeModel::Remove(Row &inRow)
 {
     Row *parent = inRow.mParent;

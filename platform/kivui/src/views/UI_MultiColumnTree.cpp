@@ -367,6 +367,22 @@ RowPtr UI_MultiColumnTree::InsertRow(RowPtr const &inParent, int inIndex)
     return row;
 }
 
+std::vector<RowPtr> UI_MultiColumnTree::AppendRows(RowPtr const &inParent, int inCount)
+{
+    KIV_ASSERT(kUnit, "kivui::UI_MultiColumnTree::AppendRows", !inParent || inParent->GetTree() == this);
+    if ((inParent && inParent->GetTree() != this) || inCount <= 0) return {};
+    Row *parent = inParent ? inParent.get() : d->root.get();
+    std::vector<RowPtr> rows;
+    rows.reserve(static_cast<std::size_t>(inCount));
+    for (int i = 0; i < inCount; ++i) rows.emplace_back(new Row);
+    d->model->Append(*parent, rows);
+    if (parent != d->root.get() && parent->mOpened) {
+        QModelIndex const index = d->model->IndexForRow(parent);
+        if (!d->view->isExpanded(index)) d->view->setExpanded(index, true);
+    }
+    return rows;
+}
+
 void UI_MultiColumnTree::RemoveRow(RowPtr const &inRow)
 {
     KIV_ASSERT(kUnit, "kivui::UI_MultiColumnTree::RemoveRow", inRow && inRow->GetTree() == this);

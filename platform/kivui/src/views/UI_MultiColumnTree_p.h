@@ -44,6 +44,7 @@ public:
     QString Header(int inColumn) const;
 
     void Insert(Row &inParent, int inIndex, Row::IntrusivePtr const &inRow);
+    void Append(Row &inParent, std::vector<Row::IntrusivePtr> const &inRows);
     void Remove(Row &inRow);
     void RemoveAll();
     void Sort(UI_MultiColumnTree::RowLess const &inLess);
