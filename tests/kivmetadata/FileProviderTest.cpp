@@ -64,6 +64,25 @@ QByteArray TiffBytes()
     return b;
 }
 
+// A one-page PDF, written by hand.
+QByteArray PdfBytes()
+{
+    QList<QByteArray> const objects{"<< /Type /Catalog /Pages 2 0 R >>", "<< /Type /Pages /Kids [3 0 R] /Count 1 >>",
+                                    "<< /Type /Page /Parent 2 0 R /MediaBox [0 0 10 10] >>"};
+    QByteArray out("%PDF-1.4\n");
+    QList<int> offsets;
+    for (int i = 0; i < objects.size(); ++i) {
+        offsets.append(out.size());
+        out += QByteArray::number(i + 1) + " 0 obj\n" + objects[i] + "\nendobj\n";
+    }
+    int const xref = out.size();
+    out += "xref\n0 " + QByteArray::number(objects.size() + 1) + "\n0000000000 65535 f \n";
+    for (int offset : offsets) out += QByteArray::number(offset).rightJustified(10, '0') + " 00000 n \n";
+    out += "trailer\n<< /Size " + QByteArray::number(objects.size() + 1) + " /Root 1 0 R >>\nstartxref\n" +
+           QByteArray::number(xref) + "\n%%EOF\n";
+    return out;
+}
+
 QString Exiftool()
 {
     return QStandardPaths::findExecutable(QStringLiteral("exiftool"));
@@ -260,6 +279,41 @@ TEST_F(FileProviderTest, FormatsWithoutXmpSupportGetASidecar)
     if (!Exiftool().isEmpty()) {
         EXPECT_EQ(ExifRead(sidecar, QStringLiteral("XMP-dc:Subject")), QStringLiteral("memo"));
     }
+}
+
+TEST_F(FileProviderTest, PdfPacketsAreUpdatedInPlaceOnlyWhenTheyFit)
+{
+    // Without a packet Exempi cannot write a PDF: a sidecar takes the XMP.
+    QString const bare = Write(QStringLiteral("bare.pdf"), PdfBytes());
+    auto bareProvider = Open(bare);
+    ASSERT_TRUE(bareProvider);
+    EXPECT_EQ(QString::fromStdU16String(bareProvider->SidecarPath()), mDir.filePath(QStringLiteral("bare.xmp")));
+
+    if (Exiftool().isEmpty()) GTEST_SKIP() << "exiftool is not installed: no PDF with a packet to update";
+    QString const path = Write(QStringLiteral("doc.pdf"), PdfBytes());
+    QProcess process;
+    process.start(Exiftool(), {QStringLiteral("-q"), QStringLiteral("-overwrite_original"),
+                               QStringLiteral("-XMP-dc:Subject=draft"), path});
+    ASSERT_TRUE(process.waitForFinished(30000));
+    auto provider = Open(path);
+    ASSERT_TRUE(provider);
+    EXPECT_TRUE(provider->SidecarPath().empty());
+    EXPECT_EQ(Text(provider, kDC, "subject"), "draft");
+    ASSERT_TRUE(SetValue(V(provider, kDC, "subject"), "final"));
+    ASSERT_TRUE(provider->Save());
+    EXPECT_EQ(ExifRead(path, QStringLiteral("XMP-dc:Subject")), QStringLiteral("final"));
+
+    // More than the packet's padding can take: refused, the file unchanged.
+    QByteArray const before = Read(path);
+    std::string many;
+    for (int i = 0; i < 500; ++i) many += "keyword" + std::to_string(i) + "; ";
+    ASSERT_TRUE(SetValue(V(provider, kDC, "subject"), many));
+    ClearErrorInfos();
+    std::string error;
+    EXPECT_FALSE(provider->Save(&error));
+    EXPECT_NE(error.find("does not fit"), std::string::npos) << error;
+    EXPECT_EQ(GetErrorInfos().size(), 1u);
+    EXPECT_EQ(Read(path), before);
 }
 
 TEST_F(FileProviderTest, DamagedFilesAreReadOnlyAndNeverOverwritten)
