@@ -47,7 +47,10 @@ KIVMETADATA_EXPORT bool SetValue(Value const &value, char const *newValue); // n
 // The shortest text of the number: 3 gives "3", 2.5 gives "2.5".
 KIVMETADATA_EXPORT bool SetMinimalFloatValue(Value const &value, double newValue);
 KIVMETADATA_EXPORT std::string MinimalFloatText(double value);
-// Removes the property; true when it existed and is gone.
+// Removes the property; true when it existed and is gone. The Value form
+// goes through the provider (every asset of a multi-asset provider, a file
+// provider marks itself modified); the XMPMeta form touches that one object
+// only, so record the change with MetaDataUpdateAccess::AddChange.
 KIVMETADATA_EXPORT bool DeleteValue(Value const &value);
 KIVMETADATA_EXPORT bool DeleteValue(XMPMeta *meta, Path const &path);
 
