@@ -14,6 +14,7 @@
 #include <QCompleter>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QPointer>
 #include <QScrollBar>
 #include <QTest>
 #include <QToolButton>
@@ -118,6 +119,30 @@ TEST_F(ControlsTextTest, EditingSendsBeginChangesAndEndOnReturnOrFocusLoss)
     *listener.onChanged = nullptr;
     edit->SetValue(u"x", true);
     EXPECT_EQ(listener.changed, 2);
+}
+
+TEST_F(ControlsTextTest, ControlDroppedByItsOwnChangeHandlerLivesUntilTheEventLoop)
+{
+    // Panels rebuild themselves from a change notice, dropping the control
+    // that is still sending it.
+    auto edit = Add(MakeIntrusive<UI_TextEdit>());
+    QPointer<QWidget> widget = edit->UI_GetWidget();
+    int ends = 0;
+    edit->NotifyWhenChanged(std::make_shared<std::function<void(Message *)>>([&](Message *) { window->DeleteChildren(); }));
+    edit->NotifyWhenChangedInteractively(std::make_shared<std::function<void(Message *)>>([&](Message *m) {
+        if (static_cast<UI_InteractiveControlChangedMessage *>(m)->GetChangeMessage() == 2) ++ends;
+    }));
+    edit->UI_SetFocus();
+    QTest::keyClicks(edit->GetLineEdit(), "x");
+    UI_TextEdit *raw = edit.get();
+    edit.reset();
+    QTest::keyClick(raw->GetLineEdit(), Qt::Key_Return);
+    EXPECT_EQ(ends, 1);
+    EXPECT_EQ(window->UI_CountChildren(), 0);
+    EXPECT_FALSE(widget.isNull());
+    QCoreApplication::sendPostedEvents();
+    QApplication::processEvents();
+    EXPECT_TRUE(widget.isNull());
 }
 
 TEST_F(ControlsTextTest, SetValueNotifiesOnlyWhenAskedAndChanged)

@@ -14,7 +14,7 @@
 #include <cmath>
 #include <unordered_map>
 
-Q_LOGGING_CATEGORY(lcKivUi, "kiv.ui", QtWarningMsg)
+Q_LOGGING_CATEGORY(lcKivUiKernel, "kiv.ui.kernel", QtFatalMsg)
 
 namespace kivui {
 
@@ -70,8 +70,17 @@ UI_Node::UI_Node(QWidget *inWidget) : d(std::make_unique<Private>())
 
 UI_Node::~UI_Node()
 {
-    // Children first: their widgets live inside ours.
-    for (auto &child : d->children) child->d->parent = nullptr;
+    // Children first: their widgets live inside ours. A child that someone
+    // still holds keeps its widget, taken out of ours.
+    for (auto &child : d->children) {
+        child->d->parent = nullptr;
+        if (child->RefCount() > 1) {
+            if (QWidget *w = child->UI_GetWidget()) {
+                w->hide();
+                w->setParent(nullptr);
+            }
+        }
+    }
     d->children.clear();
     if (QWidget *w = d->widget.data()) {
         WidgetTable().erase(w);
@@ -373,6 +382,7 @@ NodeKeepAlive::~NodeKeepAlive()
         // The dispatch outlived every other owner: let the event handler that
         // is running return before the node and its widget go.
         UI_Node *node = mNode;
+        qCDebug(lcKivUiKernel) << "release of node" << node->UI_GetNodeID().c_str() << "deferred to the event loop";
         QTimer::singleShot(0, QCoreApplication::instance(), [node] { node->Release(); });
         return;
     }

@@ -1,5 +1,7 @@
 #include <kivui/UI_ControlView.h>
 
+#include "kernel/NodeEventFilter_p.h"
+
 #include <QWidget>
 
 namespace kivui {
@@ -52,7 +54,10 @@ void UI_ControlView::NotifyChanged()
 
 void UI_ControlView::Broadcast(std::vector<MessageHandler> const &inHandlers, Message *inMessage)
 {
-    // A handler may add handlers or drop the control's last owner; work on a copy.
+    // A handler may add handlers or drop the control's last owner (a panel
+    // rebuilding itself on a change): work on a copy, and keep the control
+    // alive until the event loop so that the code that notified can finish.
+    NodeKeepAlive keep(inMessage ? inMessage->GetSource() : nullptr);
     auto const handlers = inHandlers;
     for (auto const &h : handlers) {
         if (h && *h) (*h)(inMessage);
