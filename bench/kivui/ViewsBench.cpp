@@ -47,22 +47,28 @@ void Flush(QWidget *inWidget)
     (void)inWidget->grab(); // paints every visible row and cell
 }
 
-IntrusivePtr<UI_MultiColumnTree> BuildTree(kivui::drawbot::QtSupplier &inSupplier)
+IntrusivePtr<UI_MultiColumnTree> BuildTree(kivui::drawbot::QtSupplier &inSupplier, bool inBatch = false)
 {
     IntrusivePtr<UI_MultiColumnTree> tree(new UI_MultiColumnTree);
     tree->UI_SetDrawSupplier(&inSupplier);
     tree->UI_SetLocalRectF(RectF{0, 0, 400, 600});
     tree->SetRowVisibilityChangedFxn(&MakeCell);
-    for (int i = 0; i < kRows; ++i) tree->AppendRow()->SetText(0, Label(i));
+    if (inBatch) {
+        auto const rows = tree->AppendRows({}, kRows);
+        for (int i = 0; i < kRows; ++i) rows[static_cast<std::size_t>(i)]->SetText(0, Label(i));
+    } else {
+        for (int i = 0; i < kRows; ++i) tree->AppendRow()->SetText(0, Label(i));
+    }
     return tree;
 }
 
+// Argument 1: the rows are appended in one batch (AppendRows).
 void BM_MultiColumnTree_10000CellRows_BuildShowPaint(benchmark::State &state)
 {
     kivui::drawbot::QtSupplier supplier;
     int placed = 0;
     for (auto _ : state) {
-        auto tree = BuildTree(supplier);
+        auto tree = BuildTree(supplier, state.range(0) != 0);
         tree->GetTreeView()->show();
         Flush(tree->GetTreeView());
         placed = tree->CountPlacedCellViews();
@@ -70,7 +76,7 @@ void BM_MultiColumnTree_10000CellRows_BuildShowPaint(benchmark::State &state)
     }
     state.counters["placedCells"] = placed;
 }
-BENCHMARK(BM_MultiColumnTree_10000CellRows_BuildShowPaint)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BM_MultiColumnTree_10000CellRows_BuildShowPaint)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 void BM_QTreeWidget_10000PlainItems_BuildShowPaint(benchmark::State &state)
 {
