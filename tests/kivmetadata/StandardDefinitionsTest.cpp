@@ -23,9 +23,16 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <ostream>
 #include <set>
 #include <string>
 #include <vector>
+
+// Readable QString values in failure messages.
+void PrintTo(QString const &text, std::ostream *out)
+{
+    *out << '"' << text.toStdString() << '"';
+}
 
 namespace {
 
@@ -801,11 +808,14 @@ std::multimap<QString, ExiftoolTag> ExiftoolTags(QString const &exiftool)
 
 QString const kRdfNs = QStringLiteral("http://www.w3.org/1999/02/22-rdf-syntax-ns#");
 
-// Walks one property of an XMP packet and checks every struct field met
-// against the definition, whatever the nesting of arrays and structs.
-void CheckFields(QXmlStreamReader &xml, Def const &def, std::string const &where, int &checked)
+QString const kXmlNs = QStringLiteral("http://www.w3.org/XML/1998/namespace");
+
+// Walks the value the reader stands on (a property, a field or an array
+// item), checks every struct field met against the definition, and returns
+// the form its markup shows: simple, struct, bag, seq, alt or langAlt.
+QString CheckValue(QXmlStreamReader &xml, Def const &def, std::string const &where, int &checked)
 {
-    auto check = [&](QString const &ns, QString const &name) -> Def const * {
+    auto field = [&](QString const &ns, QString const &name) -> Def const * {
         for (auto const &f : def.fields)
             if (f.ns == ns && f.name == name) {
                 ++checked;
@@ -815,20 +825,45 @@ void CheckFields(QXmlStreamReader &xml, Def const &def, std::string const &where
                       << " that the definition lacks";
         return nullptr;
     };
+    QString form = QStringLiteral("simple");
+    if (xml.attributes().value(kRdfNs, QStringLiteral("parseType")) == QStringLiteral("Resource"))
+        form = QStringLiteral("struct");
     for (auto const &attr : xml.attributes()) {
         QString ns = attr.namespaceUri().toString();
-        if (!ns.isEmpty() && ns != kRdfNs && ns != QStringLiteral("http://www.w3.org/XML/1998/namespace"))
-            check(ns, attr.name().toString());
+        if (ns.isEmpty() || ns == kRdfNs || ns == kXmlNs) continue;
+        form = QStringLiteral("struct");
+        field(ns, attr.name().toString());
     }
     while (xml.readNextStartElement()) {
-        if (xml.namespaceUri() == kRdfNs) {
-            CheckFields(xml, def, where, checked);
-        } else if (Def const *f = check(xml.namespaceUri().toString(), xml.name().toString())) {
-            CheckFields(xml, *f, where + "/" + f->name.toStdString(), checked);
+        QString name = xml.name().toString();
+        if (xml.namespaceUri() != kRdfNs) {
+            form = QStringLiteral("struct");
+            if (Def const *f = field(xml.namespaceUri().toString(), name)) {
+                std::string at = where + "/" + name.toStdString();
+                EXPECT_EQ(f->form, CheckValue(xml, *f, at, checked)) << at;
+            } else {
+                xml.skipCurrentElement();
+            }
+        } else if (name == QStringLiteral("Bag") || name == QStringLiteral("Seq") || name == QStringLiteral("Alt")) {
+            bool languages = false;
+            while (xml.readNextStartElement()) {
+                languages = languages || xml.attributes().hasAttribute(kXmlNs, QStringLiteral("lang"));
+                QString item = CheckValue(xml, def, where, checked);
+                if (def.IsArray()) {
+                    EXPECT_EQ(def.itemForm, item) << where << ": array item";
+                }
+            }
+            form = name == QStringLiteral("Bag")   ? QStringLiteral("bag")
+                   : name == QStringLiteral("Seq") ? QStringLiteral("seq")
+                   : languages                     ? QStringLiteral("langAlt")
+                                                   : QStringLiteral("alt");
         } else {
-            xml.skipCurrentElement();
+            // An rdf:Description holding the fields of a struct.
+            form = QStringLiteral("struct");
+            CheckValue(xml, def, where, checked);
         }
     }
+    return form;
 }
 
 // exiftool knows the value form of every standard property and writes every
@@ -909,7 +944,8 @@ TEST_F(StandardDefinitionsTest, AgreesWithExiftool)
         auto schema = byNamespace.find(xml.namespaceUri().toString());
         Def const *d = schema == byNamespace.end() ? nullptr : schema->second->Find(xml.name().toString());
         if (d && d->HasStructValue()) {
-            CheckFields(xml, *d, schema->second->prefix.toStdString() + ":" + d->name.toStdString(), checked);
+            std::string where = schema->second->prefix.toStdString() + ":" + d->name.toStdString();
+            EXPECT_EQ(d->form, CheckValue(xml, *d, where, checked)) << where;
         } else {
             xml.skipCurrentElement();
         }
