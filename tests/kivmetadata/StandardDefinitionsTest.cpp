@@ -867,7 +867,7 @@ QString CheckValue(QXmlStreamReader &xml, Def const &def, std::string const &whe
 }
 
 // exiftool knows the value form of every standard property and writes every
-// struct field in its real namespace; the definitions must agree with it.
+// struct field in its real namespace and form; the definitions must agree.
 TEST_F(StandardDefinitionsTest, AgreesWithExiftool)
 {
     QString exiftool = QStandardPaths::findExecutable(QStringLiteral("exiftool"));
@@ -916,7 +916,7 @@ TEST_F(StandardDefinitionsTest, AgreesWithExiftool)
     EXPECT_GT(compared, 300);
 
     // A sidecar written by exiftool with every struct field set shows the
-    // namespace of each field.
+    // namespace and the value form of each field.
     QTemporaryDir dir;
     ASSERT_TRUE(dir.isValid());
     QString sidecar = dir.filePath(QStringLiteral("fields.xmp")), args = dir.filePath(QStringLiteral("args.txt"));
