@@ -1,6 +1,7 @@
 #include "ValueIO_p.h"
 
 #include "Registry_p.h"
+#include "XmpHandles_p.h"
 
 #include <kivmetadata/ErrorInfo.h>
 #include <kivmetadata/PathOperations.h>
@@ -64,17 +65,20 @@ std::vector<std::string> ReadItems(XMPMeta const *meta, Path const &path, GetVal
             meta->GetProperty(path.mNamespace, path.mPath + "[1]", text))
             items.push_back(std::move(text));
     } else if (options & XMPMeta::kPropValueIsArray) {
-        int const count = meta->CountArrayItems(path.mNamespace, path.mPath);
-        for (int i = 1; i <= count; ++i) {
-            std::uint32_t itemOptions = 0;
-            std::string item;
-            meta->GetProperty(path.mNamespace, path.mPath + '[' + std::to_string(i) + ']', item, &itemOptions);
+        // One pass over the array's children: this read runs for every asset
+        // of a multi-asset provider.
+        XmpIterator it(xmp_iterator_new(static_cast<XmpPtr>(meta->Handle()), path.mNamespace.c_str(),
+                                        path.mPath.c_str(), XMP_ITER_JUSTCHILDREN));
+        XmpString schema, itemPath, itemValue;
+        uint32_t itemOptions = 0;
+        while (it && xmp_iterator_next(it.get(), schema, itemPath, itemValue, &itemOptions)) {
+            if (itemOptions & XMPMeta::kPropIsQualifier) continue;
             if (itemOptions & XMPMeta::kPropCompositeMask) {
                 result = kGetValueResult_Unreadable;
                 items.clear();
                 break;
             }
-            items.push_back(std::move(item));
+            items.push_back(itemValue.str());
         }
     } else {
         items.push_back(std::move(value));
