@@ -310,25 +310,25 @@ std::shared_ptr<Control> ControlFactory(Value const &inValue, std::shared_ptr<Vi
         if (inOnSizeChanged && *inOnSizeChanged) (*inOnSizeChanged)();
     });
 
-    ViewItem const &viewItem = *inViewItem;
+    std::shared_ptr<ViewItem> const &viewItem = inViewItem;
     IntrusivePtr<kivui::UI_ControlView> control;
 
-    if (!viewItem.mAttributes.empty()) {
-        if (viewItem.HasAttribute("dropdown")) {
-            KIV_ASSERT(kUnit, "kivmetadataui::ControlFactory", !viewItem.mChoices.empty());
-            control = MakePopup(viewItem.mChoices, viewItem.HasAttribute("openChoice"));
-        } else if (viewItem.HasAttribute("rating")) {
+    if (!viewItem->mAttributes.empty()) {
+        if (viewItem->HasAttribute("dropdown")) {
+            KIV_ASSERT(kUnit, "kivmetadataui::ControlFactory", !viewItem->mChoices.empty());
+            control = MakePopup(viewItem->mChoices, viewItem->HasAttribute("openChoice"));
+        } else if (viewItem->HasAttribute("rating")) {
             KIV_ASSERT(kUnit, "kivmetadataui::ControlFactory", *primitiveType == kivmetadata::kPrimitiveType_Real);
-            if (*primitiveType == kivmetadata::kPrimitiveType_Real) control = MakeStarRating(viewItem);
+            if (*primitiveType == kivmetadata::kPrimitiveType_Real) control = MakeStarRating(*viewItem);
         }
     }
 
-    if (!control && (inReadOnly || inValue.mNotEditable || viewItem.HasAttribute("readOnly") ||
+    if (!control && (inReadOnly || inValue.mNotEditable || viewItem->HasAttribute("readOnly") ||
                      !IsPropertySupportedForWriting(inValue.mPath)) &&
         !kivmetadata::IsAllMetadataForcedWritable()) {
         IntrusivePtr<kivui::UI_StaticText> text(new kivui::UI_StaticText());
         // A view item's own choices name the values better than the definition.
-        if (!viewItem.mChoices.empty() || !definition->mChoices.empty()) SetChoiceData(*text, ChoicesFromViewItem(viewItem));
+        if (!viewItem->mChoices.empty() || !definition->mChoices.empty()) SetChoiceData(*text, ChoicesFromViewItem(*viewItem));
         control = text;
     }
 
@@ -336,7 +336,7 @@ std::shared_ptr<Control> ControlFactory(Value const &inValue, std::shared_ptr<Vi
         if (definition->mTypeId == "url") {
             control = IntrusivePtr<kivui::UI_URLEdit>(new kivui::UI_URLEdit());
         } else if (definition->mTypeId == "rating") {
-            control = MakeStarRating(viewItem);
+            control = MakeStarRating(*viewItem);
         } else if (definition->mTypeId == "date") {
             IntrusivePtr<UI_DateTextEdit> date(new UI_DateTextEdit());
             if (forViewItem) date->UI_SetNodeID(kDateNodeID);
@@ -360,7 +360,7 @@ std::shared_ptr<Control> ControlFactory(Value const &inValue, std::shared_ptr<Vi
         case kivmetadata::kPrimitiveType_LangAlt:
         case kivmetadata::kPrimitiveType_TextBag:
         case kivmetadata::kPrimitiveType_TextSeq:
-            control = MakeText(inValue, viewItem, inReadOnly, sizeHandler);
+            control = MakeText(inValue, *viewItem, inReadOnly, sizeHandler);
             break;
         case kivmetadata::kPrimitiveType_Boolean: {
             IntrusivePtr<kivui::UI_Checkbox> box(new kivui::UI_Checkbox());
@@ -370,10 +370,10 @@ std::shared_ptr<Control> ControlFactory(Value const &inValue, std::shared_ptr<Vi
             break;
         }
         case kivmetadata::kPrimitiveType_OpenChoice:
-            control = MakePopup(ChoicesFromViewItem(viewItem), true);
+            control = MakePopup(ChoicesFromViewItem(*viewItem), true);
             break;
         case kivmetadata::kPrimitiveType_ClosedChoice:
-            control = MakePopup(ChoicesFromViewItem(viewItem), false);
+            control = MakePopup(ChoicesFromViewItem(*viewItem), false);
             break;
         default:
             KIV_ASSERT(kUnit, "kivmetadataui::ControlFactory", false);

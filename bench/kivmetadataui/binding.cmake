@@ -1,0 +1,3 @@
+kiv_add_benchmark(kivmetadatauiBindingBench
+  SOURCES BindingBench.cpp
+  LINK kivmetadataui Qt6::Widgets)
