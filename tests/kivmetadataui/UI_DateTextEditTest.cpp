@@ -3,7 +3,10 @@
 #include "BindingTestSupport.h"
 
 #include <kivmetadataui/DateTimeString.h>
+#include <kivmetadataui/ModuleInfo.h>
 #include <kivmetadataui/UI_DateTextEdit.h>
+
+#include <kivui/SkinManager.h>
 
 #include <QLineEdit>
 #include <QTest>
@@ -92,6 +95,31 @@ TEST(UI_DateTextEditTest, TypedTextIsRefusedOrNormalisedOnCommit)
     ASSERT_TRUE(edit->GetDateTime().has_value());
     EXPECT_EQ(edit->GetDateTime()->hour, 10);
     EXPECT_EQ(changes, 1);
+}
+
+// The field's background in the middle of an empty field.
+QColor Background(kivmetadataui::UI_DateTextEdit &edit)
+{
+    QLineEdit *line = edit.GetLineEdit();
+    line->ensurePolished();
+    const QImage image = line->grab().toImage();
+    return image.pixelColor(image.width() / 2, image.height() / 2);
+}
+
+TEST(UI_DateTextEditTest, EachLookStylesTheFieldWithItsSkin)
+{
+    using kivui::skins::core::SkinManager;
+    using kivui::skins::core::SkinVersion;
+    kivmetadataui::ModuleInfo::Get();
+    IntrusivePtr<kivmetadataui::UI_DateTextEdit> edit(new kivmetadataui::UI_DateTextEdit());
+    edit->UI_SetLocalRectF(kivcore::RectF(0, 0, 220, 24));
+
+    SkinManager::Start(SkinVersion::kV5);
+    SkinManager::SetSkinVersion(SkinVersion::kV5);
+    EXPECT_GT(Background(*edit).lightness(), 230) << "the older look is light";
+    SkinManager::SetSkinVersion(SkinVersion::kV7);
+    EXPECT_LT(Background(*edit).lightness(), 60) << "the v7 look is dark";
+    EXPECT_TRUE(SkinManager::CurrentStyleSheet().contains(QStringLiteral("kivDateTextEdit")));
 }
 
 } // namespace
