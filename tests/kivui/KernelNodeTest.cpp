@@ -1,6 +1,9 @@
 #include <kivui/UI_Container.h>
 #include <kivui/UI_SubView.h>
 
+#include <kivui/drawbot/Drawbot.h>
+#include <kivui/drawbot/QtSupplier.h>
+
 #include <kivcore/Assert.h>
 
 #include <gtest/gtest.h>
@@ -319,6 +322,36 @@ TEST_F(KernelNodeTest, GlobalStructureRectOfAWindowAndItsChildren)
     EXPECT_EQ(a->UI_GetGlobalStructureRect(), (RectF{50, 70, 30, 40}));
     a->UI_SetGlobalStructureRect(RectF{60, 60, 30, 40});
     EXPECT_EQ(a->UI_GetLocalRectF(true), (RectF{20, 10, 30, 40}));
+}
+
+TEST_F(KernelNodeTest, PaintingDrawsThroughTheNodesSupplier)
+{
+    class DrawingView : public UI_SubView {
+    public:
+        std::vector<drawbot::SupplierInterface const *> suppliers;
+        void UI_Draw(drawbot::Drawbot &drawbot) override
+        {
+            suppliers.push_back(&drawbot.GetSupplier());
+            ASSERT_TRUE(drawbot.IsDrawing());
+            drawbot.FillRect(RectF{0, 0, 10, 10}, Qt::red);
+        }
+    };
+    auto view = MakeIntrusive<DrawingView>();
+    root->ChildPushBack(view);
+    root->UI_SetLocalRectF(RectF{0, 0, 40, 40});
+    view->UI_SetLocalRectF(RectF{5, 5, 20, 20});
+    QImage image = root->UI_GetWidget()->grab().toImage();
+    ASSERT_EQ(view->suppliers.size(), 1u);
+    EXPECT_NE(view->suppliers[0], nullptr); // a fallback while detached
+    EXPECT_EQ(image.pixelColor(7, 7), QColor(Qt::red));
+    EXPECT_NE(image.pixelColor(20, 20), QColor(Qt::red));
+
+    drawbot::QtSupplier supplier;
+    root->UI_SetDrawSupplier(&supplier);
+    root->UI_GetWidget()->grab();
+    ASSERT_EQ(view->suppliers.size(), 2u);
+    EXPECT_EQ(view->suppliers[1], &supplier);
+    root->UI_SetDrawSupplier(nullptr);
 }
 
 } // namespace
