@@ -36,6 +36,20 @@ struct LibraryScope {
     ~LibraryScope() { kivmetadataui::Terminate(); }
 };
 
+QtMessageHandler gDefaultMessageHandler = nullptr;
+
+// The offscreen platform warns each time a widget that once had a window of
+// its own is put into another; harmless there, and it would bury the
+// program's own messages.
+void FilterOffscreenNoise(QtMsgType type, QMessageLogContext const& context, QString const& message)
+{
+    if (type == QtWarningMsg
+        && (message == u"This plugin does not support setParent!"
+            || message == u"This plugin does not support propagateSizeHints()"))
+        return;
+    if (gDefaultMessageHandler) gDefaultMessageHandler(type, context, message);
+}
+
 bool IsHeadlessPlatform()
 {
     QString const name = QGuiApplication::platformName();
@@ -110,6 +124,7 @@ int Run(int argc, char** argv)
         qputenv("QT_QPA_PLATFORM", "offscreen");
 
     QApplication app(argc, argv);
+    if (IsHeadlessPlatform()) gDefaultMessageHandler = qInstallMessageHandler(FilterOffscreenNoise);
     QApplication::setApplicationName(QStringLiteral("kivmeta"));
     QApplication::setOrganizationName(QStringLiteral("kivmetadataui"));
     LibraryScope library;

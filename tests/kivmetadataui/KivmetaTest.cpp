@@ -70,20 +70,20 @@ QByteArray ReadAll(QString const& path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-struct Run {
+struct Outcome {
     int mStatus = -1;
     QString mOut;
     QString mErr;
 };
 
-Run RunKivmeta(QStringList const& arguments)
+Outcome RunKivmeta(QStringList const& arguments)
 {
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     process.setProcessEnvironment(environment);
     process.start(QStringLiteral(KIVMETA_BINARY), arguments);
-    Run run;
+    Outcome run;
     if (!process.waitForFinished(120000)) {
         process.kill();
         process.waitForFinished();
@@ -111,11 +111,16 @@ std::set<QString> Minus(std::set<QString> const& a, std::set<QString> const& b)
     return out;
 }
 
+// The library (and with it the XMP toolkit) is started once for the binary.
+class LibraryEnvironment : public ::testing::Environment {
+public:
+    void SetUp() override { kivmetadataui::Initialize(); }
+    void TearDown() override { kivmetadataui::Terminate(); }
+};
+::testing::Environment* const gLibrary = ::testing::AddGlobalTestEnvironment(new LibraryEnvironment);
+
 class KivmetaTest : public ::testing::Test {
 protected:
-    static void SetUpTestSuite() { kivmetadataui::Initialize(); }
-    static void TearDownTestSuite() { kivmetadataui::Terminate(); }
-
     void SetUp() override { ASSERT_TRUE(mFolder.isValid()); }
 
     QString MakeJpeg(QString const& name, std::string packet = kPacket)
@@ -129,7 +134,7 @@ protected:
 
     std::set<QString> Dump(QString const& path)
     {
-        Run run = RunKivmeta({QStringLiteral("--dump"), path});
+        Outcome run = RunKivmeta({QStringLiteral("--dump"), path});
         EXPECT_EQ(run.mStatus, 0) << run.mErr.toStdString();
         return Lines(run.mOut);
     }
@@ -237,7 +242,7 @@ TEST_F(KivmetaTest, SetChangesExactlyThatPropertyAndNothingElse)
     std::set<QString> const before = Dump(file);
     ASSERT_TRUE(before.count("photoshop:City=Bergen"));
 
-    Run run = RunKivmeta({"--set", "photoshop:City=Tromsø", "--set", "xmp:Rating=5", "--set", "dc:subject=sea; fjord",
+    Outcome run = RunKivmeta({"--set", "photoshop:City=Tromsø", "--set", "xmp:Rating=5", "--set", "dc:subject=sea; fjord",
                           file});
     ASSERT_EQ(run.mStatus, 0) << run.mErr.toStdString();
 
@@ -263,7 +268,7 @@ TEST_F(KivmetaTest, ExiftoolSeesTheEditAndNothingElse)
     std::set<QString> const before = readTags(file);
     ASSERT_FALSE(before.empty());
 
-    Run run = RunKivmeta({"--set", "dc:title=Harbour at night", "--delete", "photoshop:City", file});
+    Outcome run = RunKivmeta({"--set", "dc:title=Harbour at night", "--delete", "photoshop:City", file});
     ASSERT_EQ(run.mStatus, 0) << run.mErr.toStdString();
 
     std::set<QString> const after = readTags(file);
@@ -281,7 +286,7 @@ TEST_F(KivmetaTest, DeleteRemovesArraysStructsAndFieldsOnly)
 {
     QString const file = MakeJpeg("delete.jpg");
     std::set<QString> const before = Dump(file);
-    Run run = RunKivmeta({"--delete", "dc:subject", "--delete", "Iptc4xmpCore:CreatorContactInfo", "--delete",
+    Outcome run = RunKivmeta({"--delete", "dc:subject", "--delete", "Iptc4xmpCore:CreatorContactInfo", "--delete",
                           "Iptc4xmpExt:LocationShown[1]/Iptc4xmpExt:City", file});
     ASSERT_EQ(run.mStatus, 0) << run.mErr.toStdString();
     std::set<QString> const after = Dump(file);
@@ -311,7 +316,7 @@ TEST_F(KivmetaTest, RefusedValuesLeaveTheFileByteForByte)
     };
     for (QStringList arguments : refused) {
         arguments << file;
-        Run run = RunKivmeta(arguments);
+        Outcome run = RunKivmeta(arguments);
         EXPECT_NE(run.mStatus, 0) << arguments.join(' ').toStdString();
         EXPECT_TRUE(run.mErr.contains("kivmeta:")) << arguments.join(' ').toStdString() << ": " << run.mErr.toStdString();
         EXPECT_EQ(ReadAll(file), original) << arguments.join(' ').toStdString();
@@ -323,13 +328,13 @@ TEST_F(KivmetaTest, UnwritableFilesAreReportedAndKept)
     QString const file = MakeJpeg("readonly.jpg");
     QByteArray const original = ReadAll(file);
     ASSERT_TRUE(QFile::setPermissions(file, QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther));
-    Run run = RunKivmeta({"--set", "dc:title=changed", file});
+    Outcome run = RunKivmeta({"--set", "dc:title=changed", file});
     QFile::setPermissions(file, QFile::ReadOwner | QFile::WriteOwner);
     EXPECT_NE(run.mStatus, 0);
     EXPECT_TRUE(run.mErr.contains("readonly.jpg")) << run.mErr.toStdString();
     EXPECT_EQ(ReadAll(file), original);
 
-    Run missing = RunKivmeta({"--set", "dc:title=changed", mFolder.filePath("missing.jpg")});
+    Outcome missing = RunKivmeta({"--set", "dc:title=changed", mFolder.filePath("missing.jpg")});
     EXPECT_NE(missing.mStatus, 0);
     EXPECT_TRUE(missing.mErr.contains("missing.jpg")) << missing.mErr.toStdString();
 }
@@ -341,14 +346,14 @@ TEST_F(KivmetaTest, SeveralFilesGetTheEditAndKeepTheirOwnValues)
     packetB.replace(packetB.find("Bergen"), 6, "Narvik"); // photoshop:City differs
     QString const b = MakeJpeg("b.jpg", packetB);
 
-    Run run = RunKivmeta({"--set", "dc:title=Shared", a, b});
+    Outcome run = RunKivmeta({"--set", "dc:title=Shared", a, b});
     ASSERT_EQ(run.mStatus, 0) << run.mErr.toStdString();
     EXPECT_EQ(ReadValue(a, kDc, "dc:title"), "Shared");
     EXPECT_EQ(ReadValue(b, kDc, "dc:title"), "Shared");
     EXPECT_EQ(ReadValue(a, kPhotoshop, "photoshop:City"), "Bergen");
     EXPECT_EQ(ReadValue(b, kPhotoshop, "photoshop:City"), "Narvik");
 
-    Run dump = RunKivmeta({"--dump", a, "--dump", b});
+    Outcome dump = RunKivmeta({"--dump", a, "--dump", b});
     EXPECT_EQ(dump.mStatus, 0);
     EXPECT_TRUE(dump.mOut.contains("==> " + a + " <==") && dump.mOut.contains("==> " + b + " <=="));
 }
@@ -357,7 +362,7 @@ TEST_F(KivmetaTest, ScreenshotsOnePngPerTabInBothLooks)
 {
     QString const file = MakeJpeg("shots.jpg");
     QString const dir = mFolder.filePath("shots");
-    Run run = RunKivmeta({"--screenshot", dir, file});
+    Outcome run = RunKivmeta({"--screenshot", dir, file});
     ASSERT_EQ(run.mStatus, 0) << run.mErr.toStdString();
 
     // The same count per look as the window has tabs, named <nn>-<panel>.png.
@@ -385,7 +390,7 @@ TEST_F(KivmetaTest, ScreenshotsOnePngPerTabInBothLooks)
 TEST_F(KivmetaTest, EmbeddedSampleOpensWithoutAFile)
 {
     QString const dir = mFolder.filePath("sample");
-    Run run = RunKivmeta({"--screenshot", dir});
+    Outcome run = RunKivmeta({"--screenshot", dir});
     ASSERT_EQ(run.mStatus, 0) << run.mErr.toStdString();
     EXPECT_FALSE(QDir(dir + "/v7").entryList({"*.png"}, QDir::Files).isEmpty());
 }
