@@ -184,6 +184,11 @@ TEST_F(DialogsTest, DialogClosesThroughItsButtonsAndRefusalsStayOpen)
     ScriptedResponses::PushAction([](QWidget *w) { QTest::keyClick(w, Qt::Key_Escape); });
     EXPECT_FALSE(dialog->RunModal());
 
+    // The window's close box cancels as well.
+    ScriptedResponses::PushAction([](QWidget *w) { w->close(); });
+    EXPECT_FALSE(dialog->RunModal());
+    EXPECT_EQ(dialog->GetResult(), UI_Dialog::Result::kCancel);
+
     // A refused OK shows a stop box (answered by the next response) and keeps
     // the dialog open until a later OK is accepted.
     dialog->refuseOk = true;
@@ -203,6 +208,22 @@ TEST_F(DialogsTest, DialogClosesThroughItsButtonsAndRefusalsStayOpen)
     ScriptedResponses::PushOk();
     EXPECT_FALSE(dialog->RunModal());
     EXPECT_EQ(dialog->okPresses, 0);
+}
+
+TEST_F(DialogsTest, DialogsOpenOverTheirParentsWindow)
+{
+    Ptr<kivui::UI_SubView> host(new kivui::UI_SubView());
+    Ptr<kivui::UI_SubView> inner(new kivui::UI_SubView());
+    host->ChildPushBack(inner);
+    Ptr<UI_Dialog> dialog(new UI_Dialog(&mSupplier, u"Child", inner.get()));
+    EXPECT_EQ(dialog->GetDialog()->parentWidget(), host->UI_GetWidget());
+    EXPECT_TRUE(dialog->GetDialog()->isWindow());
+
+    QWidget *boxParent = nullptr;
+    ScriptedResponses::PushAction([&boxParent](QWidget *box) { boxParent = box->parentWidget(); },
+                                  ScriptedAnswer::kOk);
+    kivui::messagebox::ShowStop(&mSupplier, u"Stop", u"Over the host", inner.get());
+    EXPECT_EQ(boxParent, host->UI_GetWidget());
 }
 
 TEST_F(DialogsTest, WindowRectangleIsRestoredFromTheStoreByNodeIdentifier)
