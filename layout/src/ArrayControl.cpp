@@ -103,14 +103,10 @@ std::shared_ptr<TableLayout> ArrayControl::Create(kivmetadata::Value const &inVa
     buttonRow->SetColumnItem(1, std::make_shared<LayoutItem>(control->mButtons));
     table->InsertRow(buttonRow);
 
-    // The editor row measures 0 while no item is open; the row above then
-    // gives back the row gap so that a closed editor leaves no space.
     auto editorItem = std::make_shared<LayoutItem>(control->mEditorView);
     ArrayControl *self = control.get();
-    std::weak_ptr<RowItem> weakButtonRow = buttonRow;
-    editorItem->mLayoutFunction = [self, weakButtonRow](UI_SubView &inView, RectF &ioRect) {
+    editorItem->mLayoutFunction = [self](UI_SubView &inView, RectF &ioRect) {
         bool const open = self->IsEditorOpen();
-        if (auto row = weakButtonRow.lock()) row->SetSpaceAfter(open ? 0.0f : -TableLayout::kRowGap);
         inView.UI_Show(open);
         if (!open) {
             ioRect.height = 0.0f;
@@ -122,7 +118,8 @@ std::shared_ptr<TableLayout> ArrayControl::Create(kivmetadata::Value const &inVa
     auto editorRow = std::make_shared<RowItem>();
     editorRow->SetColumnItem(1, editorItem);
     table->InsertRow(editorRow);
-    buttonRow->SetSpaceAfter(-TableLayout::kRowGap);
+    control->mButtonRow = buttonRow;
+    control->UpdateEditorSpacing();
 
     control->RefreshItems();
     return table;
@@ -284,7 +281,10 @@ void ArrayControl::BuildEditor()
     mEditorView->DeleteChildren();
     mEditorControls.clear();
     mEditorTable.reset();
-    if (mSelected < 0) return;
+    if (mSelected < 0) {
+        UpdateEditorSpacing();
+        return;
+    }
 
     auto table = std::make_shared<TableLayout>(mEditorView);
     table->SetMargins(kivcore::Flags<unsigned char>(0));
@@ -323,6 +323,14 @@ void ArrayControl::BuildEditor()
     });
     mEditorTable = table;
     mEditorView->UI_Show(true);
+    UpdateEditorSpacing();
+}
+
+void ArrayControl::UpdateEditorSpacing()
+{
+    // A closed editor's row measures 0; the row above gives back the row gap
+    // so that it leaves no space.
+    if (auto row = mButtonRow.lock()) row->SetSpaceAfter(IsEditorOpen() ? 0.0f : -TableLayout::kRowGap);
 }
 
 void ArrayControl::InsertItem()
@@ -333,11 +341,22 @@ void ArrayControl::InsertItem()
         kivmetadata::MetaDataUpdateAccess access(mValue.mProvider);
         std::uint32_t const itemOptions =
             mDefinition->mItemForm == ValueForm::kStruct ? kivmetadata::XMPMeta::kPropValueIsStruct : 0u;
+        std::string const &ns = mValue.mPath.mNamespace;
+        std::string const &path = mValue.mPath.mPath;
         bool changed = false;
-        for (kivmetadata::XMPMeta *meta : mValue.mProvider->AllMetas())
-            if (meta)
-                changed |= meta->AppendArrayItem(mValue.mPath.mNamespace, mValue.mPath.mPath,
-                                                 ArrayOptions(*mDefinition), std::string(), itemOptions);
+        for (kivmetadata::XMPMeta *meta : mValue.mProvider->AllMetas()) {
+            if (!meta) continue;
+            if (itemOptions == 0) {
+                changed |= meta->AppendArrayItem(ns, path, ArrayOptions(*mDefinition), std::string());
+                continue;
+            }
+            // The toolkit refuses to append a struct item with a value: make
+            // the array if needed, then the struct one past its last item.
+            if (!meta->DoesPropertyExist(ns, path) && !meta->SetComposite(ns, path, ArrayOptions(*mDefinition)))
+                continue;
+            int const next = meta->CountArrayItems(ns, path) + 1;
+            changed |= meta->SetComposite(ns, path + '[' + std::to_string(next) + ']', itemOptions);
+        }
         if (changed) access.AddChange(mValue.mPath);
     }
     RefreshItems();

@@ -35,6 +35,7 @@ class Control;
 
 namespace kivmetadataui::layout {
 
+class RowItem;
 class TableLayout;
 
 // The array editor of the metadata panels: the array's items in a list
@@ -97,12 +98,14 @@ private:
     void BuildEditor();
     void Relayout();
     void UpdateButtons();
+    void UpdateEditorSpacing();
 
     kivmetadata::Value mValue;
     std::shared_ptr<kivmetadata::PropertyDefinition const> mDefinition;
     kivui::drawbot::SupplierInterface const *mSupplier;
     std::function<void()> mRelayout;
     std::weak_ptr<TableLayout> mTable;
+    std::weak_ptr<RowItem> mButtonRow;
 
     kivcore::utility::IntrusivePtr<kivui::UI_StaticText> mLabel;
     kivcore::utility::IntrusivePtr<kivui::UI_SubView> mList;
