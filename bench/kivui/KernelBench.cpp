@@ -22,7 +22,7 @@ struct Tree {
     template <typename Node>
     explicit Tree(int inCount, Node *)
     {
-        root->UI_SetLocalRectF(RectF{0, 0, 600, 20000});
+        root->UI_SetGlobalStructureRect(RectF{0, 0, 600, 20000});
         for (int i = 0; i < inCount; ++i) {
             auto node = MakeIntrusive<Node>();
             node->UI_SetLayoutBinding(kivui::kBindWidth);

@@ -240,7 +240,7 @@ TEST_F(KernelNodeTest, NestedBindingsCascadeAndLayoutsChildrenFalseSuppressesThe
 TEST_F(KernelNodeTest, QtResizeOfTheWidgetReachesTheNode)
 {
     auto child = MakeIntrusive<UI_SubView>();
-    root->UI_SetLocalRectF(RectF{0, 0, 200, 100});
+    root->UI_SetGlobalStructureRect(RectF{0, 0, 200, 100});
     root->ChildPushBack(child);
     child->UI_SetLocalRectF(RectF{0, 0, 200, 20});
     child->UI_SetLayoutBinding(kBindWidth);
@@ -265,11 +265,21 @@ TEST_F(KernelNodeTest, ShowEnableIdAndSearch)
     EXPECT_EQ(b->UI_GetNodeID(), "b");
     EXPECT_EQ(b->UI_GetRoot(), root.get());
 
+    // A node outside any widget tree never pops up as a window; it shows
+    // once attached.
+    auto loose = MakeIntrusive<UI_SubView>();
+    loose->UI_Show(true);
+    EXPECT_TRUE(loose->UI_IsShown());
+    EXPECT_FALSE(loose->UI_GetWidget()->isVisible());
+
+    root->UI_SetGlobalStructureRect(RectF{10, 10, 200, 100});
     EXPECT_FALSE(root->UI_IsShown()); // a window appears only when asked
     EXPECT_TRUE(a->UI_IsShown());
     a->UI_Show(false);
     EXPECT_FALSE(a->UI_IsShown());
     root->UI_Show(true);
+    root->ChildPushBack(loose);
+    EXPECT_TRUE(loose->UI_GetWidget()->isVisible());
     EXPECT_TRUE(root->UI_IsShown());
     EXPECT_FALSE(a->UI_GetWidget()->isVisible());
     EXPECT_FALSE(b->UI_GetWidget()->isVisible());

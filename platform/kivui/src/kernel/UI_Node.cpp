@@ -179,7 +179,8 @@ RectF UI_Node::UI_GetLocalRectF(bool withOrigin) const
 void UI_Node::UI_SetGlobalStructureRect(RectF const &inRect)
 {
     d->globalRect = inRect;
-    if (QWidget *w = d->widget.data(); w && w->isWindow()) {
+    if (QWidget *w = d->widget.data(); w && w->isWindow() && !UI_GetParent()) {
+        d->isWindow = true;
         d->pushing = true;
         w->setGeometry(RoundedRect(inRect));
         d->pushing = false;
@@ -240,19 +241,17 @@ void UI_Node::UI_Show(bool inShow)
     d->shown = inShow;
     QWidget *w = d->widget.data();
     if (!w) return;
-    if (w->isWindow() && !inShow) w->hide();
-    else if (w->isWindow()) {
-        d->showRequested = true;
-        w->show();
-    } else {
-        w->setVisible(inShow);
-    }
+    // A node that is not part of a widget tree yet (a row made before it is
+    // added) must not pop up as a window of its own; only a node placed on
+    // the screen with UI_SetGlobalStructureRect is a window.
+    if (!w->parentWidget() && !d->isWindow) return;
+    w->setVisible(inShow);
 }
 
 bool UI_Node::UI_IsShown() const
 {
     QWidget const *w = d->widget.data();
-    if (w && w->isWindow()) return d->shown && w->isVisible();
+    if (w && d->isWindow && !w->parentWidget()) return d->shown && w->isVisible();
     return d->shown;
 }
 

@@ -21,7 +21,7 @@ struct UI_Node::Private {
     LayoutBinding binding{kBindTopLeft};
     bool layoutsChildren = true;
     bool shown = true;
-    bool showRequested = false; // a top-level widget is shown only on request
+    bool isWindow = false; // placed on the screen by UI_SetGlobalStructureRect
     bool enabled = true;
     bool pushing = false; // geometry being pushed to the widget
     drawbot::SupplierInterface *supplier = nullptr;
