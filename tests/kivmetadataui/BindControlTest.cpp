@@ -343,20 +343,4 @@ TEST_F(BindControlTest, StatusAndVisibilityAreAppliedAfterShowing)
     EXPECT_FALSE(edit->UI_IsShown()) << "no provider and no value: hidden";
 }
 
-TEST_F(BindControlTest, DisconnectEmptiesEveryGivenHandler)
-{
-    int calls = 0;
-    auto message = std::make_shared<std::function<void(kivui::Message *)>>([&](kivui::Message *) { ++calls; });
-    auto meta = std::make_shared<std::function<void(kivmetadata::XMPMeta *)>>([&](kivmetadata::XMPMeta *) { ++calls; });
-    auto plain = std::make_shared<std::function<void()>>([&] { ++calls; });
-    auto empty = std::make_shared<std::function<void(kivui::Message *)>>();
-    kivmetadataui::Disconnect(message, meta, plain, empty);
-    EXPECT_FALSE(*message);
-    EXPECT_FALSE(*meta);
-    EXPECT_FALSE(*plain);
-    EXPECT_FALSE(*empty);
-    kivmetadataui::Disconnect(nullptr, nullptr, nullptr, nullptr); // nulls are skipped
-    EXPECT_EQ(calls, 0);
-}
-
 } // namespace

@@ -29,18 +29,12 @@ using kivmetadataui::MetadataProviderWrapper;
 constexpr char kDC[] = "http://purl.org/dc/elements/1.1/";
 constexpr char kXMP[] = "http://ns.adobe.com/xap/1.0/";
 
-// A provider whose object can be taken away and whose write acceptance is
-// chosen by the test.
+// A provider whose object the test can take away.
 class ScriptedProvider : public MetaDataProvider {
 public:
     kivmetadata::XMPMeta *GetMeta() override { return mHasMeta ? &mMeta : nullptr; }
-    bool AcceptsPath(Value const &value, bool forWriting) const override
-    {
-        return forWriting ? mAcceptsWriting : MetaDataProvider::AcceptsPath(value, false);
-    }
     kivmetadata::XMPMeta mMeta;
     bool mHasMeta = true;
-    bool mAcceptsWriting = true;
 };
 
 class MetadataProviderWrapperTest : public ::testing::Test {
@@ -109,17 +103,6 @@ TEST_F(MetadataProviderWrapperTest, UntouchedWrapperCommitsNothing)
     wrapper.CommitChanges();
     EXPECT_EQ(mWrapped->GetMeta()->Serialize(), before);
     EXPECT_EQ(mNotified, 0);
-}
-
-TEST_F(MetadataProviderWrapperTest, AcceptsWhatTheWrappedProviderAccepts)
-{
-    auto scripted = std::make_shared<ScriptedProvider>();
-    auto wrapper = std::make_shared<MetadataProviderWrapper>(scripted);
-    const Value value{false, kivmetadata::PathForSchemaNameAndPropertyName(kXMP, "Rating"), wrapper};
-    EXPECT_TRUE(wrapper->AcceptsPath(value, true));
-    scripted->mAcceptsWriting = false;
-    EXPECT_FALSE(wrapper->AcceptsPath(value, true));
-    EXPECT_TRUE(wrapper->AcceptsPath(value, false));
 }
 
 TEST_F(MetadataProviderWrapperTest, ProviderWithoutObjectAssertsAndCommitsNothing)
