@@ -54,7 +54,8 @@ public:
     void UI_SetLocalRectF(kivcore::RectF const &inRect);
     // withOrigin false: x = y = 0 and the size; true: with the origin.
     kivcore::RectF UI_GetLocalRectF(bool withOrigin) const;
-    // A top-level window's rectangle on the screen.
+    // A top-level window's rectangle on the screen (makes a parentless node
+    // a window); for a node inside a window, its rectangle in screen terms.
     void UI_SetGlobalStructureRect(kivcore::RectF const &inRect);
     kivcore::RectF UI_GetGlobalStructureRect() const;
     // Translation from this node's coordinates to inParent's; inParent null
@@ -69,6 +70,10 @@ public:
     void UI_SetLayoutsChildren(bool inLayouts);
     bool UI_GetLayoutsChildren() const;
 
+    // A new node counts as shown; its widget appears once the node is in a
+    // shown widget tree. A node without a parent widget becomes a window of
+    // its own only after UI_SetGlobalStructureRect placed it on the screen,
+    // so that views made before they are attached never pop up.
     void UI_Show(bool inShow);
     bool UI_IsShown() const;
     void UI_SetEnabled(bool inEnabled);
