@@ -38,7 +38,6 @@ using kivui::UI_SubView;
 
 namespace {
 
-constexpr float kListHeight = 96.0f;
 constexpr float kButtonGap = 6.0f;
 
 // The list of items: a control view over QListWidget.
@@ -142,7 +141,7 @@ ArrayControl::ArrayControl(kivmetadata::Value const &inValue, PropertyDefinition
     UI_SetNodeID("ArrayControl");
     UI_SetLayoutsChildren(true);
     mLabel->SetAlignment(kivui::UI_StaticText::kAlignRight);
-    mList->UI_SetLocalRectF(RectF{0, 0, 200, kListHeight});
+    mList->UI_SetLocalRectF(RectF{0, 0, 200, 40});
     mList->UI_SetNodeID("ArrayControl.list");
 
     float x = 0.0f;
@@ -237,6 +236,12 @@ void ArrayControl::RefreshItems()
     for (auto const &text : texts)
         list->addItem(QString::fromUtf16(text.data(), static_cast<qsizetype>(text.size())));
     if (mSelected >= static_cast<int>(texts.size())) mSelected = -1;
+    // Room for up to five items; more scroll.
+    int const shown = std::clamp(static_cast<int>(texts.size()), 1, 5);
+    int const rowHeight = list->count() > 0 ? list->sizeHintForRow(0) : list->fontMetrics().height() + 2;
+    RectF rect = mList->UI_GetLocalRectF(true);
+    rect.height = static_cast<float>(shown * std::max(rowHeight, 1) + 2 * list->frameWidth() + 4);
+    mList->UI_SetLocalRectF(rect);
     list->setCurrentRow(mSelected);
     UpdateButtons();
 }

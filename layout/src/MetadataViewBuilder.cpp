@@ -20,6 +20,7 @@
 #include <kivui/UI_StaticText.h>
 #include <kivui/drawbot/Drawbot.h>
 
+#include <QLabel>
 #include <QWidget>
 
 #include <algorithm>
@@ -36,6 +37,8 @@ using kivui::UI_SubView;
 namespace {
 
 constexpr char kUnit[] = "layout/src/MetadataViewBuilder";
+// Height of a one-line control: labels are centred on it.
+constexpr float kFirstLineHeight = 22.0f;
 
 // Gives a control view its preferred height when it has none yet.
 void GiveHeight(UI_SubView &ioView, kivui::drawbot::SupplierInterface const *inSupplier)
@@ -160,7 +163,8 @@ TableLayout &MetadataViewBuilder::CurrentTable()
     return mStack.empty() ? *mTableLayout : *mStack.back().mTable;
 }
 
-std::shared_ptr<LayoutItem> MetadataViewBuilder::MakeLabel(std::string const &inLabel) const
+std::shared_ptr<LayoutItem> MetadataViewBuilder::MakeLabel(std::string const &inLabel,
+                                                            IntrusivePtr<UI_SubView> const &inContent) const
 {
     IntrusivePtr<kivui::UI_StaticText> label(new kivui::UI_StaticText(LabelText(inLabel)));
     label->SetAlignment(kivui::UI_StaticText::kAlignRight);
@@ -171,8 +175,25 @@ std::shared_ptr<LayoutItem> MetadataViewBuilder::MakeLabel(std::string const &in
     } else {
         size = label->GetPreferredSize(nullptr);
     }
-    label->UI_SetLocalRectF(RectF{0, 0, std::ceil(size.x), std::ceil(size.y)});
-    return std::make_shared<LayoutItem>(IntrusivePtr<UI_SubView>(label));
+    PointF const natural{std::ceil(size.x), std::ceil(size.y)};
+    label->UI_SetLocalRectF(RectF{0, 0, natural.x, natural.y});
+    auto item = std::make_shared<LayoutItem>(IntrusivePtr<UI_SubView>(label));
+
+    // A label sits on the first line of its control, and a label wider than
+    // the label column wraps instead of being cut off.
+    kivui::UI_StaticText *text = label.get();
+    item->mLayoutFunction = [text, natural, content = inContent](UI_SubView &, RectF &ioRect) {
+        bool const wrap = natural.x > ioRect.width;
+        text->SetWordWrap(wrap);
+        float height = natural.y;
+        if (wrap && text->GetLabel())
+            height = std::max(natural.y, static_cast<float>(text->GetLabel()->heightForWidth(int(ioRect.width))));
+        float line = kFirstLineHeight;
+        if (content) line = std::min(line, content->UI_GetLocalRectF(false).height);
+        ioRect.y = std::max(0.0f, std::floor((line - natural.y) * 0.5f));
+        ioRect.height = height;
+    };
+    return item;
 }
 
 void MetadataViewBuilder::BeginView(kivmetadata::ViewDefinition const &)
@@ -231,12 +252,20 @@ void MetadataViewBuilder::AddProperty(std::shared_ptr<kivmetadata::ViewItem> con
     auto onSizeChanged = std::make_shared<std::function<void()>>([weakRoot] {
         if (auto root = weakRoot.lock()) root->Layout();
     });
-    auto control = ControlFactory(value, inItem, IntrusivePtr<kivui::UI_Node>(), false, nullptr, onSizeChanged);
+    // Panels ask for a drop-down without listing choices when the property's
+    // definition has them.
+    std::shared_ptr<kivmetadata::ViewItem> viewItem = inItem;
+    if (inItem->HasAttribute("dropdown") && inItem->mChoices.empty() && !inDefinition.mChoices.empty()) {
+        viewItem = std::make_shared<kivmetadata::ViewItem>(*inItem);
+        viewItem->mChoices = inDefinition.mChoices;
+    }
+    auto control = ControlFactory(value, viewItem, IntrusivePtr<kivui::UI_Node>(), false, nullptr, onSizeChanged);
     if (!control || !control->GetView()) return;
     GiveHeight(*control->GetView(), mSupplier);
 
     auto row = std::make_shared<RowItem>();
-    row->SetColumnItem(0, MakeLabel(inItem->mLabel.empty() ? inDefinition.mLabel : inItem->mLabel));
+    row->SetColumnItem(0, MakeLabel(inItem->mLabel.empty() ? inDefinition.mLabel : inItem->mLabel,
+                                    control->GetView()));
     row->SetColumnItem(1, std::make_shared<LayoutItem>(control));
     CurrentTable().InsertRow(row);
 }
@@ -245,7 +274,7 @@ void MetadataViewBuilder::BeginStruct(std::shared_ptr<kivmetadata::ViewItem> con
                                       kivmetadata::PropertyDefinition const &inDefinition)
 {
     auto row = std::make_shared<RowItem>();
-    row->SetColumnItem(0, MakeLabel(inItem && !inItem->mLabel.empty() ? inItem->mLabel : inDefinition.mLabel));
+    row->SetColumnItem(0, MakeLabel(inItem && !inItem->mLabel.empty() ? inItem->mLabel : inDefinition.mLabel, nullptr));
     auto table = std::make_shared<TableLayout>(IntrusivePtr<UI_SubView>(new UI_SubView));
     table->SetMargins(kivcore::Flags<unsigned char>(0));
     mStack.push_back(Level{table, row});

@@ -85,7 +85,9 @@ private:
     };
 
     TableLayout &CurrentTable();
-    std::shared_ptr<LayoutItem> MakeLabel(std::string const &inLabel) const;
+    // The label of a row; inContent is the control beside it, if any.
+    std::shared_ptr<LayoutItem> MakeLabel(std::string const &inLabel,
+                                          kivcore::utility::IntrusivePtr<kivui::UI_SubView> const &inContent) const;
     void MeasureAndLayout();
 
     std::shared_ptr<kivmetadata::MetaDataProvider> mProvider;

@@ -406,7 +406,6 @@ TEST_F(MetadataLayoutViewTest, ArrayEditorEditsItemsThroughTheProvider)
     EXPECT_EQ(notified, 2);
     EXPECT_EQ(array->GetItemTexts(), (std::vector<std::u16string>{u"  Oslo", u"  "}));
     EXPECT_FALSE(array->IsEditorOpen());
-    EXPECT_EQ(array->UI_GetLocalRectF(false).height, closedHeight);
 
     std::string city;
     kivmetadata::GetValueResult result{};
@@ -415,10 +414,13 @@ TEST_F(MetadataLayoutViewTest, ArrayEditorEditsItemsThroughTheProvider)
         result);
     EXPECT_EQ(city, "Oslo");
 
+    float const twoItemsClosed = array->UI_GetLocalRectF(false).height;
     array->SelectItem(0);
+    EXPECT_GT(array->UI_GetLocalRectF(false).height, twoItemsClosed);
     array->CloseEditor();
     EXPECT_EQ(array->GetSelectedItem(), -1);
     EXPECT_FALSE(array->IsEditorOpen());
+    EXPECT_EQ(array->UI_GetLocalRectF(false).height, twoItemsClosed) << "a closed editor leaves no gap";
     *listener = nullptr;
 }
 
