@@ -284,6 +284,9 @@ TEST_F(ArchivedDialogTest, ControlsAreToolkitNodesFoundByIdentifier)
     EXPECT_EQ(kivui::UI_Node::FromWidget(panel->UI_GetWidget()), panel.get());
     EXPECT_TRUE(dialog->GetDialog()->isAncestorOf(panel->UI_GetWidget()));
     EXPECT_EQ(panel->UI_GetDrawSupplier(), &mSupplier);
+    // The dialog is the node parent of its archive's controls (key dispatch goes through it).
+    EXPECT_EQ(panel->UI_GetParent(), dialog.get());
+    EXPECT_TRUE(dialog->UI_IsAncestorOf(panel.get()));
 
     // The window as built has the archive's designed size.
     EXPECT_EQ(dialog->UI_GetLocalRectF(false), (kivcore::RectF{0, 0, 360, 180}));

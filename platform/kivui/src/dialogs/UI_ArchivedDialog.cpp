@@ -47,8 +47,8 @@ struct ArchiveNode {
 // Qt widgets for the rest.
 class ArchiveLoader : public QUiLoader {
 public:
-    ArchiveLoader(drawbot::SupplierInterface *supplier, QWidget *topParent)
-        : mSupplier(supplier), mTopParent(topParent)
+    ArchiveLoader(UI_Container *owner, drawbot::SupplierInterface *supplier, QWidget *topParent)
+        : mOwner(owner), mSupplier(supplier), mTopParent(topParent)
     {
     }
 
@@ -58,6 +58,10 @@ public:
         if (UI_NodeFactory::IsRegistered(cls)) {
             if (auto node = UI_NodeFactory::Create(cls, mSupplier)) {
                 QWidget *widget = node->UI_GetWidget();
+                // The dialog is the control's node parent, so keys and the draw
+                // supplier reach it through the dialog; the widget itself goes
+                // where the archive puts it (before the loader adds it to a layout).
+                mOwner->ChildPushBack(node);
                 if (parent) widget->setParent(parent);
                 widget->setObjectName(name);
                 nodes.emplace(name.toStdString(), ArchiveNode{cls, node});
@@ -77,6 +81,7 @@ public:
     std::map<std::string, ArchiveNode> nodes;
 
 private:
+    UI_Container *mOwner;
     drawbot::SupplierInterface *mSupplier;
     QWidget *mTopParent;
     bool mTopMade = false;
@@ -140,7 +145,7 @@ void UI_ArchivedDialog::Build(QByteArray const &inArchive, dialogs::DialogText c
 {
     if (inArchive.isEmpty()) return;
     QDialog *dialog = GetDialog();
-    ArchiveLoader loader(UI_GetDrawSupplier(), dialog);
+    ArchiveLoader loader(this, UI_GetDrawSupplier(), dialog);
     QByteArray bytes = inArchive;
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::ReadOnly);
