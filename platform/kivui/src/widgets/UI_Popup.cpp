@@ -61,7 +61,15 @@ UI_Popup::UI_Popup() : UI_InteractiveControlView(new QComboBox), d(std::make_uni
     UI_SetLocalRectF(kivcore::RectF{0, 0, float(hint.width()), float(std::max(hint.height(), 19))});
 }
 
-UI_Popup::~UI_Popup() = default;
+UI_Popup::~UI_Popup()
+{
+    // The combo box outlives this part of the node: keep its field's focus
+    // loss from reaching a half-destroyed popup.
+    auto *combo = qobject_cast<QComboBox *>(UI_GetWidget());
+    if (d->watcher && combo) {
+        if (QLineEdit *edit = combo->lineEdit()) edit->removeEventFilter(d->watcher);
+    }
+}
 
 QComboBox *UI_Popup::GetComboBox() const { return d->combo; }
 
