@@ -3,6 +3,7 @@
 #include <kivui/Message.h>
 #include <kivui/UI_SubView.h>
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -43,9 +44,8 @@ protected:
     void UI_ApplyEnabled(bool inEnabled) override;
 
 private:
-    bool mUnknown = false;
-    bool mDisabled = false;
-    std::vector<MessageHandler> mChangedHandlers;
+    struct Private;
+    std::unique_ptr<Private> const d;
 };
 
 } // namespace kivui

@@ -2,6 +2,8 @@
 
 #include <kivui/UI_ControlView.h>
 
+#include <memory>
+
 namespace kivui {
 
 // A control that reports the stages of interactive editing.
@@ -19,7 +21,8 @@ protected:
     void NotifyInteractively(int inChangeMessage);
 
 private:
-    std::vector<MessageHandler> mInteractiveHandlers;
+    struct Private;
+    std::unique_ptr<Private> const d;
 };
 
 } // namespace kivui

@@ -6,21 +6,27 @@
 
 namespace kivui {
 
-UI_ControlView::UI_ControlView() = default;
-UI_ControlView::UI_ControlView(QWidget *inWidget) : UI_SubView(inWidget) {}
+struct UI_ControlView::Private {
+    bool unknown = false;
+    bool disabled = false;
+    std::vector<MessageHandler> changedHandlers;
+};
+
+UI_ControlView::UI_ControlView() : d(std::make_unique<Private>()) {}
+UI_ControlView::UI_ControlView(QWidget *inWidget) : UI_SubView(inWidget), d(std::make_unique<Private>()) {}
 UI_ControlView::~UI_ControlView() = default;
 
-bool UI_ControlView::IsValueUnknown() const { return mUnknown; }
+bool UI_ControlView::IsValueUnknown() const { return d->unknown; }
 
-void UI_ControlView::SetValueUnknown(bool inUnknown) { mUnknown = inUnknown; }
+void UI_ControlView::SetValueUnknown(bool inUnknown) { d->unknown = inUnknown; }
 
 void UI_ControlView::SetDisabled(bool inDisabled)
 {
-    mDisabled = inDisabled;
+    d->disabled = inDisabled;
     UpdateEnabledState();
 }
 
-bool UI_ControlView::IsDisabled() const { return mDisabled; }
+bool UI_ControlView::IsDisabled() const { return d->disabled; }
 
 void UI_ControlView::SetToolTip(std::u16string const &inToolTip)
 {
@@ -35,7 +41,7 @@ std::u16string UI_ControlView::GetToolTip() const
 
 void UI_ControlView::NotifyWhenChanged(MessageHandler inHandler)
 {
-    if (inHandler) mChangedHandlers.push_back(std::move(inHandler));
+    if (inHandler) d->changedHandlers.push_back(std::move(inHandler));
 }
 
 kivcore::PointF UI_ControlView::GetPreferredSize(drawbot::Drawbot const *) const
@@ -49,7 +55,7 @@ kivcore::PointF UI_ControlView::GetPreferredSize(drawbot::Drawbot const *) const
 void UI_ControlView::NotifyChanged()
 {
     UI_ControlChangedMessage message(this);
-    Broadcast(mChangedHandlers, &message);
+    Broadcast(d->changedHandlers, &message);
 }
 
 void UI_ControlView::Broadcast(std::vector<MessageHandler> const &inHandlers, Message *inMessage)
@@ -68,7 +74,7 @@ void UI_ControlView::UpdateEnabledState() { UI_ApplyEnabled(UI_IsEnabled()); }
 
 void UI_ControlView::UI_ApplyEnabled(bool inEnabled)
 {
-    if (QWidget *w = UI_GetWidget()) w->setEnabled(inEnabled && !mDisabled);
+    if (QWidget *w = UI_GetWidget()) w->setEnabled(inEnabled && !d->disabled);
 }
 
 } // namespace kivui
