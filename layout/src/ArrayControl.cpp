@@ -94,7 +94,10 @@ std::shared_ptr<TableLayout> ArrayControl::Create(kivmetadata::Value const &inVa
     control->mTable = table;
 
     auto listRow = std::make_shared<RowItem>();
-    listRow->SetColumnItem(0, std::make_shared<LayoutItem>(IntrusivePtr<UI_SubView>(control->mLabel)));
+    auto labelItem = std::make_shared<LayoutItem>(IntrusivePtr<UI_SubView>(control->mLabel));
+    labelItem->mLayoutFunction = MetadataViewBuilder::LabelLayoutFunction(
+        control->mLabel.get(), control->mLabel->UI_GetLocalRectF(false).Size(), control->mList);
+    listRow->SetColumnItem(0, labelItem);
     listRow->SetColumnItem(1, std::make_shared<LayoutItem>(control->mList));
     table->InsertRow(listRow);
 

@@ -179,10 +179,16 @@ std::shared_ptr<LayoutItem> MetadataViewBuilder::MakeLabel(std::string const &in
     label->UI_SetLocalRectF(RectF{0, 0, natural.x, natural.y});
     auto item = std::make_shared<LayoutItem>(IntrusivePtr<UI_SubView>(label));
 
+    item->mLayoutFunction = LabelLayoutFunction(label.get(), natural, inContent);
+    return item;
+}
+
+LayoutItem::LayoutFunction MetadataViewBuilder::LabelLayoutFunction(kivui::UI_StaticText *inLabel, PointF inNatural,
+                                                                    IntrusivePtr<UI_SubView> inContent)
+{
     // A label sits on the first line of its control, and a label wider than
     // the label column wraps instead of being cut off.
-    kivui::UI_StaticText *text = label.get();
-    item->mLayoutFunction = [text, natural, content = inContent](UI_SubView &, RectF &ioRect) {
+    return [text = inLabel, natural = inNatural, content = std::move(inContent)](UI_SubView &, RectF &ioRect) {
         bool const wrap = natural.x > ioRect.width;
         text->SetWordWrap(wrap);
         float height = natural.y;
@@ -193,7 +199,6 @@ std::shared_ptr<LayoutItem> MetadataViewBuilder::MakeLabel(std::string const &in
         ioRect.y = std::max(0.0f, std::floor((line - natural.y) * 0.5f));
         ioRect.height = height;
     };
-    return item;
 }
 
 void MetadataViewBuilder::BeginView(kivmetadata::ViewDefinition const &)

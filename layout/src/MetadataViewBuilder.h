@@ -16,6 +16,10 @@ namespace kivmetadata {
 class MetaDataProvider;
 }
 
+namespace kivui {
+class UI_StaticText;
+}
+
 namespace kivui::drawbot {
 class SupplierInterface;
 }
@@ -75,6 +79,10 @@ public:
     static float MeasureItem(kivui::drawbot::SupplierInterface const *inSupplier, LayoutItem const &inItem);
     // "Label:" for a label key (or plain text).
     static std::u16string LabelText(std::string const &inLabel);
+    // Places a label of natural size inNatural beside inContent (may be
+    // null): centred on the content's first line, wrapped when too wide.
+    static LayoutItem::LayoutFunction LabelLayoutFunction(kivui::UI_StaticText *inLabel, kivcore::PointF inNatural,
+                                                          kivcore::utility::IntrusivePtr<kivui::UI_SubView> inContent);
     // The localised element separator with a trailing blank.
     static std::u16string SeparatorText();
 

@@ -1,0 +1,3 @@
+kiv_add_benchmark(kivmetadatauiLayoutBench
+  SOURCES LayoutBench.cpp
+  LINK kivmetadataui Qt6::Widgets)
