@@ -13,6 +13,7 @@
 #include <kivui/UI_SubView.h>
 #include <kivui/drawbot/QtSupplier.h>
 
+#include <QApplication>
 #include <QDialogButtonBox>
 #include <QEvent>
 #include <QFileInfo>
@@ -122,12 +123,15 @@ MetadataWindow::MetadataWindow(std::vector<std::shared_ptr<kivmetadata::FileMeta
     resize(760, 760);
     if (!d->mPanels.empty()) {
         EnsurePanel(0);
-        d->mPanels.front().mPage->installEventFilter(this);
+        // The page itself may be covered by opaque children that get the
+        // paint events instead, so the first paint of anything on it counts.
+        qApp->installEventFilter(this);
     }
 }
 
 MetadataWindow::~MetadataWindow()
 {
+    if (!d->mFirstPaintSeen) qApp->removeEventFilter(this);
     // Views go before the providers they are bound to and before the supplier.
     for (Panel& panel : d->mPanels) {
         panel.mView.reset();
@@ -211,10 +215,11 @@ void MetadataWindow::OnOk()
 
 bool MetadataWindow::eventFilter(QObject* watched, QEvent* event)
 {
-    if (!d->mFirstPaintSeen && event->type() == QEvent::Paint && !d->mPanels.empty()
-        && watched == d->mPanels.front().mPage) {
+    if (!d->mFirstPaintSeen && event->type() == QEvent::Paint && !d->mPanels.empty() && watched->isWidgetType()
+        && (watched == d->mPanels.front().mPage
+            || d->mPanels.front().mPage->isAncestorOf(static_cast<QWidget*>(watched)))) {
         d->mFirstPaintSeen = true;
-        watched->removeEventFilter(this);
+        qApp->removeEventFilter(this);
         // Queued, so that it follows the paint of the panel's own widgets.
         QTimer::singleShot(0, this, &MetadataWindow::firstPanelPainted);
     }

@@ -82,9 +82,10 @@ QString ChoiceList(kivmetadata::PropertyDefinition const& definition)
     QStringList raw;
     for (kivmetadata::Choice const& choice : definition.mChoices) {
         QString display = Q(kivcore::config::Localizer::Localize(choice.mDisplay));
-        raw << (display.isEmpty() || display == Q(choice.mRawValue)
-                    ? Q(choice.mRawValue)
-                    : QStringLiteral("%1 (%2)").arg(Q(choice.mRawValue), display));
+        QString const value = Q(choice.mRawValue);
+        // Displays often start with the value already: "1 (High)".
+        raw << (display.isEmpty() || display.startsWith(value) ? (display.isEmpty() ? value : display)
+                                                                : QStringLiteral("%1 (%2)").arg(value, display));
     }
     return raw.join(QStringLiteral(", "));
 }
@@ -141,7 +142,7 @@ bool FeedControl(kivmetadata::Value const& value, kivmetadataui::Control const& 
     std::u16string const text = remove ? std::u16string() : edit.mValue.toStdU16String();
 
     if (dynamic_cast<kivui::UI_StaticText*>(view)) {
-        error = QStringLiteral("is read-only");
+        error = QStringLiteral("is read-only here");
         return false;
     }
     if (auto* date = dynamic_cast<kivmetadataui::UI_DateTextEdit*>(view)) {
@@ -236,8 +237,12 @@ bool FeedControl(kivmetadata::Value const& value, kivmetadataui::Control const& 
             // The raw value first ("3"), then the text shown ("3 (Normal)").
             QString const wanted = edit.mValue.trimmed();
             int found = popup->FindItemByData(wanted.toStdString());
-            for (int i = 0; i < popup->CountItems() && found < 0; ++i)
-                if (Q(popup->GetItemText(i)).trimmed().compare(wanted, Qt::CaseInsensitive) == 0) found = i;
+            for (int i = 0; i < popup->CountItems() && found < 0; ++i) {
+                QString const shown = Q(popup->GetItemText(i)).trimmed();
+                if (shown.compare(wanted, Qt::CaseInsensitive) == 0
+                    || shown.endsWith(u'(' + wanted + u')', Qt::CaseInsensitive))
+                    found = i;
+            }
             if (found >= 0) {
                 popup->SetValue(found);
                 expected = QString::fromStdString(popup->GetItemData(found).value_or(wanted.toStdString()));
@@ -326,7 +331,9 @@ bool ApplyEdit(std::shared_ptr<kivmetadata::MetaDataProvider> const& provider, k
     bool fed = FeedControl(value, *control, *definition, *type, edit, expected, reason);
     control.reset();
     if (!fed) {
-        error = QStringLiteral("%1: %2").arg(edit.mProperty, reason);
+        bool const clause = reason.startsWith(QStringLiteral("is ")) || reason.startsWith(QStringLiteral("has "));
+        error = clause ? QStringLiteral("%1 %2").arg(edit.mProperty, reason)
+                       : QStringLiteral("%1: %2").arg(edit.mProperty, reason);
         return false;
     }
 
