@@ -9,8 +9,8 @@
 #include <kivmetadataui/Initialize.h>
 #include <kivmetadataui/ModuleInfo.h>
 #include <kivui/MessageBoxes.h>
-#include <kivui/drawbot/QtSupplier.h>
 #include <kivui/SkinManager.h>
+#include <kivui/drawbot/QtSupplier.h>
 
 #include <QApplication>
 #include <QDir>
@@ -41,11 +41,10 @@ QtMessageHandler gDefaultMessageHandler = nullptr;
 // The offscreen platform warns each time a widget that once had a window of
 // its own is put into another; harmless there, and it would bury the
 // program's own messages.
-void FilterOffscreenNoise(QtMsgType type, QMessageLogContext const& context, QString const& message)
+void FilterOffscreenNoise(QtMsgType type, QMessageLogContext const &context, QString const &message)
 {
-    if (type == QtWarningMsg
-        && (message == u"This plugin does not support setParent!"
-            || message == u"This plugin does not support propagateSizeHints()"))
+    if (type == QtWarningMsg && (message == u"This plugin does not support setParent!" ||
+                                 message == u"This plugin does not support propagateSizeHints()"))
         return;
     if (gDefaultMessageHandler) gDefaultMessageHandler(type, context, message);
 }
@@ -58,7 +57,7 @@ bool IsHeadlessPlatform()
 
 // The built-in sample lives in the program's resources; the file provider
 // needs a real file, so it works on a copy in a temporary folder.
-QString CopySample(QTemporaryDir& folder, QString& error)
+QString CopySample(QTemporaryDir &folder, QString &error)
 {
     QString const resource = QStringLiteral(":/kivmeta/sample.jpg");
     if (!QFile::exists(resource)) {
@@ -77,10 +76,10 @@ QString CopySample(QTemporaryDir& folder, QString& error)
     return copy;
 }
 
-bool OpenFiles(QStringList const& files, std::vector<std::shared_ptr<kivmetadata::FileMetaDataProvider>>& providers,
-               QString& error)
+bool OpenFiles(QStringList const &files, std::vector<std::shared_ptr<kivmetadata::FileMetaDataProvider>> &providers,
+               QString &error)
 {
-    for (QString const& file : files) {
+    for (QString const &file : files) {
         std::string openError;
         auto provider = kivmetadata::FileMetaDataProvider::Open(file.toStdU16String(), &openError);
         if (!provider) {
@@ -99,13 +98,14 @@ bool HasDisplay()
     return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
 }
 
-int Run(int argc, char** argv)
+int Run(int argc, char **argv)
 {
     QTextStream out(stdout);
     QTextStream err(stderr);
 
     QStringList arguments;
-    for (int i = 1; i < argc; ++i) arguments << QString::fromLocal8Bit(argv[i]);
+    for (int i = 1; i < argc; ++i)
+        arguments << QString::fromLocal8Bit(argv[i]);
     CommandLine line;
     QString parseError;
     if (!ParseCommandLine(arguments, line, parseError)) {
@@ -176,16 +176,14 @@ int Run(int argc, char** argv)
     }
 
     kivmetadataui::ModuleInfo::Get();
-    auto makeWindow = [&providers, &displayNames] {
-        return std::make_unique<MetadataWindow>(providers, displayNames);
-    };
+    auto makeWindow = [&providers, &displayNames] { return std::make_unique<MetadataWindow>(providers, displayNames); };
 
     if (line.mScreenshotDir) {
         QStringList written;
         QString error;
         bool ok = WriteScreenshots(makeWindow, *line.mScreenshotDir, written, error);
-        out << "kivmeta: wrote " << written.size() << " screenshots to "
-            << QDir(*line.mScreenshotDir).absolutePath() << '\n';
+        out << "kivmeta: wrote " << written.size() << " screenshots to " << QDir(*line.mScreenshotDir).absolutePath()
+            << '\n';
         if (!ok) {
             err << "kivmeta: " << error << '\n';
             return kExitFailure;

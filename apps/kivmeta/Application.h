@@ -7,7 +7,7 @@ namespace kivmeta {
 // The whole program: parses the arguments, picks a platform (offscreen when
 // there is nothing to show or no display), and runs the batch edits, the
 // dumps, the screenshots or the window. Returns the exit status.
-int Run(int argc, char** argv);
+int Run(int argc, char **argv);
 
 // Whether a display is available to this process, judged from the
 // environment before Qt starts.

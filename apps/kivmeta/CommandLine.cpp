@@ -6,10 +6,9 @@ namespace {
 
 // "--opt=value" or "--opt value": returns the value, consuming the next
 // argument in the second form.
-bool TakeValue(QStringList const& args, qsizetype& i, QString const& option, QString& value,
-               QString& error)
+bool TakeValue(QStringList const &args, qsizetype &i, QString const &option, QString &value, QString &error)
 {
-    QString const& arg = args[i];
+    QString const &arg = args[i];
     if (arg.size() > option.size() && arg.at(option.size()) == u'=') {
         value = arg.mid(option.size() + 1);
         return true;
@@ -22,16 +21,16 @@ bool TakeValue(QStringList const& args, qsizetype& i, QString const& option, QSt
     return true;
 }
 
-bool Matches(QString const& arg, QString const& option)
+bool Matches(QString const &arg, QString const &option)
 {
     return arg == option || (arg.startsWith(option) && arg.at(option.size()) == u'=');
 }
 
 // A property name is PREFIX:Name, optionally followed by /PREFIX:Field parts.
-bool IsPropertyName(QString const& name)
+bool IsPropertyName(QString const &name)
 {
     if (name.isEmpty()) return false;
-    for (QString const& part : name.split(u'/')) {
+    for (QString const &part : name.split(u'/')) {
         qsizetype colon = part.indexOf(u':');
         if (colon <= 0 || colon == part.size() - 1) return false;
     }
@@ -40,12 +39,12 @@ bool IsPropertyName(QString const& name)
 
 } // namespace
 
-bool ParseCommandLine(QStringList const& args, CommandLine& line, QString& error)
+bool ParseCommandLine(QStringList const &args, CommandLine &line, QString &error)
 {
     line = CommandLine{};
     bool onlyFiles = false;
     for (qsizetype i = 0; i < args.size(); ++i) {
-        QString const& arg = args[i];
+        QString const &arg = args[i];
         QString value;
         if (onlyFiles || !arg.startsWith(u'-') || arg == u"-") {
             line.mFiles << arg;
@@ -103,23 +102,22 @@ bool ParseCommandLine(QStringList const& args, CommandLine& line, QString& error
 
 QString UsageText()
 {
-    return QStringLiteral(
-        "Usage: kivmeta [options] [FILE...]\n"
-        "Shows and edits the XMP metadata of FILE (several files are edited together).\n"
-        "With no FILE, opens the built-in sample image.\n"
-        "\n"
-        "Options:\n"
-        "  --screenshot DIR        render every panel to DIR/v7/<nn>-<panel>.png and\n"
-        "                          DIR/v5/<nn>-<panel>.png, then exit (also the\n"
-        "                          behaviour when no display is available)\n"
-        "  --set PREFIX:Name=VALUE set a property in every FILE (repeatable)\n"
-        "  --delete PREFIX:Name    remove a property from every FILE (repeatable)\n"
-        "  --dump FILE             print every property of FILE as PREFIX:Path=value\n"
-        "  --version               print the library version\n"
-        "  -h, --help              print this help\n"
-        "\n"
-        "Exit status: 0 on success, 1 when a value is refused or a file cannot be\n"
-        "read or written (files are then left as they were), 2 on a usage error.\n");
+    return QStringLiteral("Usage: kivmeta [options] [FILE...]\n"
+                          "Shows and edits the XMP metadata of FILE (several files are edited together).\n"
+                          "With no FILE, opens the built-in sample image.\n"
+                          "\n"
+                          "Options:\n"
+                          "  --screenshot DIR        render every panel to DIR/v7/<nn>-<panel>.png and\n"
+                          "                          DIR/v5/<nn>-<panel>.png, then exit (also the\n"
+                          "                          behaviour when no display is available)\n"
+                          "  --set PREFIX:Name=VALUE set a property in every FILE (repeatable)\n"
+                          "  --delete PREFIX:Name    remove a property from every FILE (repeatable)\n"
+                          "  --dump FILE             print every property of FILE as PREFIX:Path=value\n"
+                          "  --version               print the library version\n"
+                          "  -h, --help              print this help\n"
+                          "\n"
+                          "Exit status: 0 on success, 1 when a value is refused or a file cannot be\n"
+                          "read or written (files are then left as they were), 2 on a usage error.\n");
 }
 
 } // namespace kivmeta

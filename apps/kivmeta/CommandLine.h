@@ -30,7 +30,7 @@ struct CommandLine {
 
 // Parses the arguments after the program name. Returns false with a message
 // that names the faulty argument.
-bool ParseCommandLine(QStringList const& inArguments, CommandLine& outLine, QString& outError);
+bool ParseCommandLine(QStringList const &inArguments, CommandLine &outLine, QString &outError);
 
 // The usage text printed for --help and after a parse error.
 QString UsageText();

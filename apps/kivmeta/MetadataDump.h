@@ -13,6 +13,6 @@ namespace kivmeta {
 // "Iptc4xmpCore:CreatorContactInfo/Iptc4xmpCore:CiAdrCity=..."), sorted.
 // Backslashes and line breaks in values are escaped as \\, \n and \r so that
 // each property stays on one line.
-QStringList DumpLines(kivmetadata::XMPMeta const& meta);
+QStringList DumpLines(kivmetadata::XMPMeta const &meta);
 
 } // namespace kivmeta

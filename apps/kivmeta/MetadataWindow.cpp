@@ -28,7 +28,7 @@ using kivcore::utility::IntrusivePtr;
 
 namespace {
 
-QString Localized(std::string const& key)
+QString Localized(std::string const &key)
 {
     return QString::fromStdU16String(kivcore::config::Localizer::Localize(key));
 }
@@ -44,21 +44,23 @@ std::shared_ptr<kivmetadata::ViewDefinition> RawDataDefinition()
 struct Panel {
     std::shared_ptr<kivmetadata::ViewDefinition> mDefinition;
     bool mRawData = false;
-    QWidget* mPage = nullptr;
+    QWidget *mPage = nullptr;
     IntrusivePtr<kivui::UI_SubView> mRoot;
     IntrusivePtr<kivmetadataui::MetadataLayoutView> mView;
 };
 
 } // namespace
 
-QString WindowTitleForFiles(QStringList const& names)
+QString WindowTitleForFiles(QStringList const &names)
 {
     constexpr int kShown = 3;
     QString title;
     if (names.size() <= kShown + 1) {
         title = names.join(QStringLiteral(", "));
     } else {
-        title = QStringLiteral("%1 and %2 more").arg(names.mid(0, kShown).join(QStringLiteral(", "))).arg(names.size() - kShown);
+        title = QStringLiteral("%1 and %2 more")
+                    .arg(names.mid(0, kShown).join(QStringLiteral(", ")))
+                    .arg(names.size() - kShown);
     }
     return title.isEmpty() ? QStringLiteral("kivmeta") : title + QStringLiteral(" - kivmeta");
 }
@@ -70,19 +72,19 @@ struct MetadataWindow::Private {
     QStringList mNames;
     std::unique_ptr<kivui::drawbot::QtSupplier> mSupplier = std::make_unique<kivui::drawbot::QtSupplier>();
     std::vector<Panel> mPanels;
-    QTabWidget* mTabs = nullptr;
-    QDialogButtonBox* mButtons = nullptr;
+    QTabWidget *mTabs = nullptr;
+    QDialogButtonBox *mButtons = nullptr;
     QStringList mSaveErrors;
     bool mFirstPaintSeen = false;
 };
 
 MetadataWindow::MetadataWindow(std::vector<std::shared_ptr<kivmetadata::FileMetaDataProvider>> files,
-                               QStringList const& displayNames, QWidget* parent)
+                               QStringList const &displayNames, QWidget *parent)
     : QMainWindow(parent), d(std::make_unique<Private>())
 {
     d->mFiles = std::move(files);
     std::vector<std::shared_ptr<kivmetadata::MetaDataProvider>> assets;
-    for (auto const& file : d->mFiles) {
+    for (auto const &file : d->mFiles) {
         auto wrapper = std::make_shared<kivmetadataui::MetadataProviderWrapper>(file);
         d->mWrappers.push_back(wrapper);
         assets.push_back(wrapper);
@@ -96,8 +98,8 @@ MetadataWindow::MetadataWindow(std::vector<std::shared_ptr<kivmetadata::FileMeta
 
     setWindowTitle(WindowTitleForFiles(d->mNames));
 
-    auto* central = new QWidget(this);
-    auto* layout = new QVBoxLayout(central);
+    auto *central = new QWidget(this);
+    auto *layout = new QVBoxLayout(central);
     d->mTabs = new QTabWidget(central);
     d->mTabs->setDocumentMode(false);
     layout->addWidget(d->mTabs, 1);
@@ -105,14 +107,14 @@ MetadataWindow::MetadataWindow(std::vector<std::shared_ptr<kivmetadata::FileMeta
     layout->addWidget(d->mButtons);
     setCentralWidget(central);
 
-    for (auto const& definition : kivmetadata::GetViewDefinitions()) {
+    for (auto const &definition : kivmetadata::GetViewDefinitions()) {
         if (definition) d->mPanels.push_back(Panel{definition, false, nullptr, nullptr, nullptr});
     }
     d->mPanels.push_back(Panel{RawDataDefinition(), true, nullptr, nullptr, nullptr});
 
-    for (Panel& panel : d->mPanels) {
+    for (Panel &panel : d->mPanels) {
         panel.mPage = new QWidget(d->mTabs);
-        auto* pageLayout = new QVBoxLayout(panel.mPage);
+        auto *pageLayout = new QVBoxLayout(panel.mPage);
         pageLayout->setContentsMargins(0, 0, 0, 0);
         d->mTabs->addTab(panel.mPage, Localized(panel.mDefinition->mLabel));
     }
@@ -120,7 +122,7 @@ MetadataWindow::MetadataWindow(std::vector<std::shared_ptr<kivmetadata::FileMeta
     connect(d->mTabs, &QTabWidget::currentChanged, this, &MetadataWindow::OnCurrentChanged);
     connect(d->mButtons, &QDialogButtonBox::accepted, this, &MetadataWindow::OnOk);
     connect(d->mButtons, &QDialogButtonBox::rejected, this, &QWidget::close);
-    resize(760, 760);
+    resize(840, 780);
     if (!d->mPanels.empty()) {
         EnsurePanel(0);
         // The page itself may be covered by opaque children that get the
@@ -133,14 +135,20 @@ MetadataWindow::~MetadataWindow()
 {
     if (!d->mFirstPaintSeen) qApp->removeEventFilter(this);
     // Views go before the providers they are bound to and before the supplier.
-    for (Panel& panel : d->mPanels) {
+    for (Panel &panel : d->mPanels) {
         panel.mView.reset();
         panel.mRoot.reset();
     }
 }
 
-QTabWidget* MetadataWindow::Tabs() const { return d->mTabs; }
-int MetadataWindow::CountPanels() const { return int(d->mPanels.size()); }
+QTabWidget *MetadataWindow::Tabs() const
+{
+    return d->mTabs;
+}
+int MetadataWindow::CountPanels() const
+{
+    return int(d->mPanels.size());
+}
 
 QString MetadataWindow::PanelName(int index) const
 {
@@ -148,15 +156,27 @@ QString MetadataWindow::PanelName(int index) const
     return QString::fromStdString(d->mPanels[index].mDefinition->mName);
 }
 
-std::shared_ptr<kivmetadata::MetaDataProvider> MetadataWindow::EditedProvider() const { return d->mEdited; }
-QPushButton* MetadataWindow::OkButton() const { return d->mButtons->button(QDialogButtonBox::Ok); }
-QPushButton* MetadataWindow::CancelButton() const { return d->mButtons->button(QDialogButtonBox::Cancel); }
-QStringList MetadataWindow::LastSaveErrors() const { return d->mSaveErrors; }
+std::shared_ptr<kivmetadata::MetaDataProvider> MetadataWindow::EditedProvider() const
+{
+    return d->mEdited;
+}
+QPushButton *MetadataWindow::OkButton() const
+{
+    return d->mButtons->button(QDialogButtonBox::Ok);
+}
+QPushButton *MetadataWindow::CancelButton() const
+{
+    return d->mButtons->button(QDialogButtonBox::Cancel);
+}
+QStringList MetadataWindow::LastSaveErrors() const
+{
+    return d->mSaveErrors;
+}
 
 void MetadataWindow::EnsurePanel(int index)
 {
     if (index < 0 || index >= CountPanels() || !d->mEdited) return;
-    Panel& panel = d->mPanels[index];
+    Panel &panel = d->mPanels[index];
     if (panel.mView) {
         // Other tabs may have changed values since this panel was built.
         panel.mView->Refresh();
@@ -171,7 +191,8 @@ void MetadataWindow::EnsurePanel(int index)
     panel.mRoot->UI_SetLocalRectF(kivcore::RectF(0, 0, float(size.width()), float(size.height())));
 
     if (panel.mRawData) {
-        panel.mView = kivmetadataui::CreateRawDataView(panel.mDefinition, d->mEdited, kivmetadataui::RawDataViewOptions{});
+        panel.mView =
+            kivmetadataui::CreateRawDataView(panel.mDefinition, d->mEdited, kivmetadataui::RawDataViewOptions{});
     } else {
         panel.mView = IntrusivePtr<kivmetadataui::MetadataLayoutView>(
             new kivmetadataui::MetadataLayoutView(panel.mDefinition, d->mEdited));
@@ -183,13 +204,16 @@ void MetadataWindow::EnsurePanel(int index)
     panel.mView->Refresh();
 }
 
-void MetadataWindow::OnCurrentChanged(int index) { EnsurePanel(index); }
+void MetadataWindow::OnCurrentChanged(int index)
+{
+    EnsurePanel(index);
+}
 
 bool MetadataWindow::Commit()
 {
     d->mSaveErrors.clear();
     for (std::size_t i = 0; i < d->mFiles.size(); ++i) {
-        kivmetadata::FileMetaDataProvider& file = *d->mFiles[i];
+        kivmetadata::FileMetaDataProvider &file = *d->mFiles[i];
         QString const path = QString::fromStdU16String(file.FilePath());
         d->mWrappers[i]->CommitChanges();
         if (!file.IsModified()) continue;
@@ -213,11 +237,11 @@ void MetadataWindow::OnOk()
     if (Commit()) close();
 }
 
-bool MetadataWindow::eventFilter(QObject* watched, QEvent* event)
+bool MetadataWindow::eventFilter(QObject *watched, QEvent *event)
 {
-    if (!d->mFirstPaintSeen && event->type() == QEvent::Paint && !d->mPanels.empty() && watched->isWidgetType()
-        && (watched == d->mPanels.front().mPage
-            || d->mPanels.front().mPage->isAncestorOf(static_cast<QWidget*>(watched)))) {
+    if (!d->mFirstPaintSeen && event->type() == QEvent::Paint && !d->mPanels.empty() && watched->isWidgetType() &&
+        (watched == d->mPanels.front().mPage ||
+         d->mPanels.front().mPage->isAncestorOf(static_cast<QWidget *>(watched)))) {
         d->mFirstPaintSeen = true;
         qApp->removeEventFilter(this);
         // Queued, so that it follows the paint of the panel's own widgets.

@@ -23,14 +23,14 @@ namespace kivmeta {
 // saves every file; Cancel writes nothing.
 class MetadataWindow : public QMainWindow {
     Q_OBJECT
-public:
+  public:
     // `inDisplayNames` replace the file names in the title (the built-in
     // sample is shown by its own name, not by its temporary copy).
     explicit MetadataWindow(std::vector<std::shared_ptr<kivmetadata::FileMetaDataProvider>> inFiles,
-                            QStringList const& inDisplayNames = {}, QWidget* inParent = nullptr);
+                            QStringList const &inDisplayNames = {}, QWidget *inParent = nullptr);
     ~MetadataWindow() override;
 
-    QTabWidget* Tabs() const;
+    QTabWidget *Tabs() const;
     int CountPanels() const;
     // The panel's view name ("Description", ..., "RawData").
     QString PanelName(int inIndex) const;
@@ -47,17 +47,17 @@ public:
     bool Commit();
     QStringList LastSaveErrors() const;
 
-    QPushButton* OkButton() const;
-    QPushButton* CancelButton() const;
+    QPushButton *OkButton() const;
+    QPushButton *CancelButton() const;
 
-Q_SIGNALS:
+  Q_SIGNALS:
     // After the first paint of the first panel.
     void firstPanelPainted();
 
-protected:
-    bool eventFilter(QObject* inWatched, QEvent* inEvent) override;
+  protected:
+    bool eventFilter(QObject *inWatched, QEvent *inEvent) override;
 
-private:
+  private:
     void OnCurrentChanged(int inIndex);
     void OnOk();
 
@@ -67,6 +67,6 @@ private:
 
 // The title shown for the edited files: "a.jpg", "a.jpg, b.jpg" or
 // "a.jpg, b.jpg, c.jpg and 497 more", followed by " - kivmeta".
-QString WindowTitleForFiles(QStringList const& inNames);
+QString WindowTitleForFiles(QStringList const &inNames);
 
 } // namespace kivmeta

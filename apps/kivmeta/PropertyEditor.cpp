@@ -47,19 +47,26 @@ using kivmetadata::PrimitiveType;
 
 namespace {
 
-QString Q(std::string const& s) { return QString::fromStdString(s); }
-QString Q(std::u16string const& s) { return QString::fromStdU16String(s); }
+QString Q(std::string const &s)
+{
+    return QString::fromStdString(s);
+}
+QString Q(std::u16string const &s)
+{
+    return QString::fromStdU16String(s);
+}
 
 // What the model recorded since `mark`, as one readable reason.
 QString NewErrorText(std::size_t mark)
 {
     std::vector<kivmetadata::ErrorInfo> const infos = kivmetadata::GetErrorInfos();
     QStringList parts;
-    for (std::size_t i = mark; i < infos.size(); ++i) parts << Q(infos[i].mDescription);
+    for (std::size_t i = mark; i < infos.size(); ++i)
+        parts << Q(infos[i].mDescription);
     return parts.join(QStringLiteral("; "));
 }
 
-std::optional<bool> ParseBoolean(QString const& text)
+std::optional<bool> ParseBoolean(QString const &text)
 {
     QString t = text.trimmed().toLower();
     if (t == u"true" || t == u"yes" || t == u"on" || t == u"1") return true;
@@ -67,32 +74,32 @@ std::optional<bool> ParseBoolean(QString const& text)
     return std::nullopt;
 }
 
-QStringList SplitItems(QString const& text)
+QStringList SplitItems(QString const &text)
 {
     QStringList items;
-    for (QString const& item : text.split(u';')) {
+    for (QString const &item : text.split(u';')) {
         QString trimmed = item.trimmed();
         if (!trimmed.isEmpty()) items << trimmed;
     }
     return items;
 }
 
-QString ChoiceList(kivmetadata::PropertyDefinition const& definition)
+QString ChoiceList(kivmetadata::PropertyDefinition const &definition)
 {
     QStringList raw;
-    for (kivmetadata::Choice const& choice : definition.mChoices) {
+    for (kivmetadata::Choice const &choice : definition.mChoices) {
         QString display = Q(kivcore::config::Localizer::Localize(choice.mDisplay));
         QString const value = Q(choice.mRawValue);
         // Displays often start with the value already: "1 (High)".
         raw << (display.isEmpty() || display.startsWith(value) ? (display.isEmpty() ? value : display)
-                                                                : QStringLiteral("%1 (%2)").arg(value, display));
+                                                               : QStringLiteral("%1 (%2)").arg(value, display));
     }
     return raw.join(QStringLiteral(", "));
 }
 
 // Whether what reads back is what the edit asked for, so that a value that a
 // binding silently dropped is reported instead of passing as written.
-bool ReadsBackAs(kivmetadata::Value const& value, PrimitiveType type, bool isDate, QString const& expected)
+bool ReadsBackAs(kivmetadata::Value const &value, PrimitiveType type, bool isDate, QString const &expected)
 {
     std::string text;
     kivmetadata::GetValueResult result{};
@@ -101,9 +108,9 @@ bool ReadsBackAs(kivmetadata::Value const& value, PrimitiveType type, bool isDat
     if (isDate) {
         // Stored in ISO 8601, typed in any form the date edit reads.
         kivmetadata::XMP_DateTime a{}, b{};
-        return kivmetadataui::ParseDateTimeStr(actual.toStdU16String(), a)
-               && kivmetadataui::ParseDateTimeStr(expected.toStdU16String(), b)
-               && kivmetadataui::FormatDateTimeStr(a) == kivmetadataui::FormatDateTimeStr(b);
+        return kivmetadataui::ParseDateTimeStr(actual.toStdU16String(), a) &&
+               kivmetadataui::ParseDateTimeStr(expected.toStdU16String(), b) &&
+               kivmetadataui::FormatDateTimeStr(a) == kivmetadataui::FormatDateTimeStr(b);
     }
     switch (type) {
     case kivmetadata::kPrimitiveType_Integer:
@@ -122,7 +129,7 @@ bool ReadsBackAs(kivmetadata::Value const& value, PrimitiveType type, bool isDat
     }
 }
 
-bool PropertyExists(kivmetadata::Value const& value)
+bool PropertyExists(kivmetadata::Value const &value)
 {
     std::string text;
     kivmetadata::GetValueResult result{};
@@ -132,20 +139,20 @@ bool PropertyExists(kivmetadata::Value const& value)
 
 // Puts the edit into the control the factory made and lets its binding write
 // it. Returns false with a reason when the control cannot take the value.
-bool FeedControl(kivmetadata::Value const& value, kivmetadataui::Control const& control,
-                 kivmetadata::PropertyDefinition const& definition, PrimitiveType type, PropertyEdit const& edit,
-                 QString& expected, QString& error)
+bool FeedControl(kivmetadata::Value const &value, kivmetadataui::Control const &control,
+                 kivmetadata::PropertyDefinition const &definition, PrimitiveType type, PropertyEdit const &edit,
+                 QString &expected, QString &error)
 {
     expected = edit.mValue;
-    kivui::UI_SubView* view = control.GetView().get();
+    kivui::UI_SubView *view = control.GetView().get();
     bool const remove = edit.mKind == PropertyEdit::Kind::Delete;
     std::u16string const text = remove ? std::u16string() : edit.mValue.toStdU16String();
 
-    if (dynamic_cast<kivui::UI_StaticText*>(view)) {
+    if (dynamic_cast<kivui::UI_StaticText *>(view)) {
         error = QStringLiteral("is read-only here");
         return false;
     }
-    if (auto* date = dynamic_cast<kivmetadataui::UI_DateTextEdit*>(view)) {
+    if (auto *date = dynamic_cast<kivmetadataui::UI_DateTextEdit *>(view)) {
         kivmetadata::XMP_DateTime parsed{};
         if (!remove && !kivmetadataui::ParseDateTimeStr(text, parsed)) {
             error = QStringLiteral("\"%1\" is not a date (use YYYY-MM-DD, optionally with a time "
@@ -157,7 +164,7 @@ bool FeedControl(kivmetadata::Value const& value, kivmetadataui::Control const& 
         kivmetadataui::UpdateValue(value, IntrusivePtr<kivmetadataui::UI_DateTextEdit>(date));
         return true;
     }
-    if (auto* edit2 = dynamic_cast<kivui::UI_TextEdit*>(view)) {
+    if (auto *edit2 = dynamic_cast<kivui::UI_TextEdit *>(view)) {
         if (!remove) {
             if (std::optional<std::u16string> warning = edit2->ValidateText(text)) {
                 error = Q(*warning);
@@ -165,17 +172,17 @@ bool FeedControl(kivmetadata::Value const& value, kivmetadataui::Control const& 
             }
         }
         edit2->SetValue(text, false);
-        if (auto* auto_ = dynamic_cast<kivui::UI_AutoCompleteTextEdit*>(view))
+        if (auto *auto_ = dynamic_cast<kivui::UI_AutoCompleteTextEdit *>(view))
             kivmetadataui::UpdateValue(value, IntrusivePtr<kivui::UI_AutoCompleteTextEdit>(auto_));
-        else if (auto* url = dynamic_cast<kivui::UI_URLEdit*>(view))
+        else if (auto *url = dynamic_cast<kivui::UI_URLEdit *>(view))
             kivmetadataui::UpdateValue(value, IntrusivePtr<kivui::UI_URLEdit>(url));
-        else if (auto* drag = dynamic_cast<kivui::UI_DragableTextEdit*>(view))
+        else if (auto *drag = dynamic_cast<kivui::UI_DragableTextEdit *>(view))
             kivmetadataui::UpdateValue(value, IntrusivePtr<kivui::UI_DragableTextEdit>(drag));
         else
             kivmetadataui::UpdateValue(value, IntrusivePtr<kivui::UI_TextEdit>(edit2));
         return true;
     }
-    if (auto* box = dynamic_cast<kivui::UI_Checkbox*>(view)) {
+    if (auto *box = dynamic_cast<kivui::UI_Checkbox *>(view)) {
         if (remove) {
             box->SetValueUnknown(true);
         } else {
@@ -189,7 +196,7 @@ bool FeedControl(kivmetadata::Value const& value, kivmetadataui::Control const& 
         kivmetadataui::UpdateValue(value, IntrusivePtr<kivui::UI_Checkbox>(box));
         return true;
     }
-    if (auto* number = dynamic_cast<kivui::UI_HotTextNumber*>(view)) {
+    if (auto *number = dynamic_cast<kivui::UI_HotTextNumber *>(view)) {
         if (remove) {
             number->SetValue(std::nan(""));
         } else {
@@ -203,7 +210,8 @@ bool FeedControl(kivmetadata::Value const& value, kivmetadataui::Control const& 
                 error = QStringLiteral("\"%1\" is not a whole number").arg(edit.mValue);
                 return false;
             }
-            if ((definition.mMinimum && d < *definition.mMinimum) || (definition.mMaximum && d > *definition.mMaximum)) {
+            if ((definition.mMinimum && d < *definition.mMinimum) ||
+                (definition.mMaximum && d > *definition.mMaximum)) {
                 error = QStringLiteral("%1 is outside the range %2 to %3")
                             .arg(edit.mValue.trimmed())
                             .arg(definition.mMinimum ? QString::number(*definition.mMinimum) : QStringLiteral("any"))
@@ -215,14 +223,13 @@ bool FeedControl(kivmetadata::Value const& value, kivmetadataui::Control const& 
         kivmetadataui::UpdateValue(value, IntrusivePtr<kivui::UI_HotTextNumber>(number));
         return true;
     }
-    if (auto* stars = dynamic_cast<kivui::UI_StarRating*>(view)) {
+    if (auto *stars = dynamic_cast<kivui::UI_StarRating *>(view)) {
         double d = 0;
         if (!remove) {
             bool ok = false;
             d = edit.mValue.trimmed().toDouble(&ok);
             if (!ok || d < 0 || d > 5 || d != std::floor(d)) {
-                error = QStringLiteral("\"%1\" is not a rating (a whole number of stars from 0 to 5)")
-                            .arg(edit.mValue);
+                error = QStringLiteral("\"%1\" is not a rating (a whole number of stars from 0 to 5)").arg(edit.mValue);
                 return false;
             }
         }
@@ -230,7 +237,7 @@ bool FeedControl(kivmetadata::Value const& value, kivmetadataui::Control const& 
         kivmetadataui::UpdateValue(value, IntrusivePtr<kivui::UI_StarRating>(stars));
         return true;
     }
-    if (auto* popup = dynamic_cast<kivui::UI_Popup*>(view)) {
+    if (auto *popup = dynamic_cast<kivui::UI_Popup *>(view)) {
         if (remove) {
             popup->SetValueUnknown(true);
         } else {
@@ -239,8 +246,8 @@ bool FeedControl(kivmetadata::Value const& value, kivmetadataui::Control const& 
             int found = popup->FindItemByData(wanted.toStdString());
             for (int i = 0; i < popup->CountItems() && found < 0; ++i) {
                 QString const shown = Q(popup->GetItemText(i)).trimmed();
-                if (shown.compare(wanted, Qt::CaseInsensitive) == 0
-                    || shown.endsWith(u'(' + wanted + u')', Qt::CaseInsensitive))
+                if (shown.compare(wanted, Qt::CaseInsensitive) == 0 ||
+                    shown.endsWith(u'(' + wanted + u')', Qt::CaseInsensitive))
                     found = i;
             }
             if (found >= 0) {
@@ -262,12 +269,12 @@ bool FeedControl(kivmetadata::Value const& value, kivmetadataui::Control const& 
 
 } // namespace
 
-std::optional<Path> ResolvePropertyName(QString const& name, QString& error)
+std::optional<Path> ResolvePropertyName(QString const &name, QString &error)
 {
     static QRegularExpression const part(QStringLiteral(R"(^([A-Za-z_][\w.\-]*):([A-Za-z_][\w.\-]*)((?:\[\d+\])?)$)"));
     Path path;
     QStringList converted;
-    for (QString const& step : name.split(u'/')) {
+    for (QString const &step : name.split(u'/')) {
         QRegularExpressionMatch m = part.match(step);
         if (!m.hasMatch()) {
             error = QStringLiteral("\"%1\" is not a property name (PREFIX:Name)").arg(name);
@@ -293,8 +300,8 @@ std::optional<Path> ResolvePropertyName(QString const& name, QString& error)
     return path;
 }
 
-bool ApplyEdit(std::shared_ptr<kivmetadata::MetaDataProvider> const& provider, kivui::UI_SubView* parent,
-               PropertyEdit const& edit, QString& error)
+bool ApplyEdit(std::shared_ptr<kivmetadata::MetaDataProvider> const &provider, kivui::UI_SubView *parent,
+               PropertyEdit const &edit, QString &error)
 {
     std::optional<Path> path = ResolvePropertyName(edit.mProperty, error);
     if (!path) return false;
@@ -353,10 +360,10 @@ bool ApplyEdit(std::shared_ptr<kivmetadata::MetaDataProvider> const& provider, k
     return true;
 }
 
-QString WriteRefusalReason(kivmetadata::FileMetaDataProvider const& provider)
+QString WriteRefusalReason(kivmetadata::FileMetaDataProvider const &provider)
 {
     if (!provider.IsWritable()) return QStringLiteral("its metadata could not be read, so it is not rewritten");
-    std::u16string const& target = provider.SidecarPath().empty() ? provider.FilePath() : provider.SidecarPath();
+    std::u16string const &target = provider.SidecarPath().empty() ? provider.FilePath() : provider.SidecarPath();
     QFileInfo info(Q(target));
     if (info.exists()) {
         constexpr auto anyWrite = QFile::WriteOwner | QFile::WriteGroup | QFile::WriteOther;
@@ -367,10 +374,10 @@ QString WriteRefusalReason(kivmetadata::FileMetaDataProvider const& provider)
     return {};
 }
 
-int RunEdits(QStringList const& files, std::vector<PropertyEdit> const& edits, QTextStream& err)
+int RunEdits(QStringList const &files, std::vector<PropertyEdit> const &edits, QTextStream &err)
 {
     // Resolve every name first: a typo must not leave some files edited.
-    for (PropertyEdit const& edit : edits) {
+    for (PropertyEdit const &edit : edits) {
         QString error;
         if (!ResolvePropertyName(edit.mProperty, error)) {
             err << "kivmeta: " << error << ". No file was changed.\n";
@@ -379,7 +386,7 @@ int RunEdits(QStringList const& files, std::vector<PropertyEdit> const& edits, Q
     }
 
     std::vector<std::shared_ptr<kivmetadata::FileMetaDataProvider>> providers;
-    for (QString const& file : files) {
+    for (QString const &file : files) {
         std::string openError;
         auto provider = kivmetadata::FileMetaDataProvider::Open(file.toStdU16String(), &openError);
         if (!provider) {
@@ -395,7 +402,7 @@ int RunEdits(QStringList const& files, std::vector<PropertyEdit> const& edits, Q
 
     std::vector<std::shared_ptr<kivmetadataui::MetadataProviderWrapper>> wrappers;
     std::vector<std::shared_ptr<kivmetadata::MetaDataProvider>> assets;
-    for (auto const& provider : providers) {
+    for (auto const &provider : providers) {
         auto wrapper = std::make_shared<kivmetadataui::MetadataProviderWrapper>(provider);
         wrappers.push_back(wrapper);
         assets.push_back(wrapper);
@@ -404,7 +411,7 @@ int RunEdits(QStringList const& files, std::vector<PropertyEdit> const& edits, Q
         assets.size() == 1 ? assets.front() : std::make_shared<kivmetadata::MultiMetaDataProvider>(assets);
 
     IntrusivePtr<kivui::UI_SubView> parent(new kivui::UI_SubView());
-    for (PropertyEdit const& edit : edits) {
+    for (PropertyEdit const &edit : edits) {
         QString error;
         if (!ApplyEdit(target, parent.get(), edit, error)) {
             err << "kivmeta: " << error << ". No file was changed.\n";
@@ -425,10 +432,10 @@ int RunEdits(QStringList const& files, std::vector<PropertyEdit> const& edits, Q
     return status;
 }
 
-int RunDumps(QStringList const& files, QTextStream& out, QTextStream& err)
+int RunDumps(QStringList const &files, QTextStream &out, QTextStream &err)
 {
     int status = 0;
-    for (QString const& file : files) {
+    for (QString const &file : files) {
         std::string openError;
         auto provider = kivmetadata::FileMetaDataProvider::Open(file.toStdU16String(), &openError);
         if (!provider) {
@@ -438,8 +445,9 @@ int RunDumps(QStringList const& files, QTextStream& out, QTextStream& err)
         }
         if (files.size() > 1) out << "==> " << file << " <==\n";
         kivmetadata::MetaDataReadAccess access(provider);
-        if (kivmetadata::XMPMeta const* meta = access.GetMeta()) {
-            for (QString const& line : DumpLines(*meta)) out << line << '\n';
+        if (kivmetadata::XMPMeta const *meta = access.GetMeta()) {
+            for (QString const &line : DumpLines(*meta))
+                out << line << '\n';
         }
     }
     out.flush();

@@ -27,30 +27,30 @@ namespace kivmeta {
 // Turns "PREFIX:Name", "PREFIX:Name/PREFIX:Field" or "PREFIX:Name[2]/..." into
 // a Path with the prefixes the XMP toolkit uses. Unknown prefixes and
 // properties that have no definition are refused with a message.
-std::optional<kivmetadata::Path> ResolvePropertyName(QString const& inName, QString& outError);
+std::optional<kivmetadata::Path> ResolvePropertyName(QString const &inName, QString &outError);
 
 // Applies one edit to `inProvider` the way a panel does: the control factory
 // builds the property's control under `inParent`, the edit's text is put into
 // the control, and the control's value binding writes it back (UpdateValue).
 // A value the control or the model refuses, and a property that cannot be
 // written, give false and a message; the provider is then left as it was.
-bool ApplyEdit(std::shared_ptr<kivmetadata::MetaDataProvider> const& inProvider, kivui::UI_SubView* inParent,
-               PropertyEdit const& inEdit, QString& outError);
+bool ApplyEdit(std::shared_ptr<kivmetadata::MetaDataProvider> const &inProvider, kivui::UI_SubView *inParent,
+               PropertyEdit const &inEdit, QString &outError);
 
 // The reason a file cannot be written back, or empty. Files without any write
 // permission bit are refused even for a user whom the system would let write,
 // so that marking a file read-only protects it.
-QString WriteRefusalReason(kivmetadata::FileMetaDataProvider const& inProvider);
+QString WriteRefusalReason(kivmetadata::FileMetaDataProvider const &inProvider);
 
 // Opens the files, applies the edits through one provider wrapper per file
 // (and a multi-asset provider over them for several files), commits and saves
 // every file. Nothing is saved when any edit is refused; a file that fails to
 // save is left as it was and the others are still saved. Messages go to
 // `err`. Returns the process exit status (0 or 1).
-int RunEdits(QStringList const& inFiles, std::vector<PropertyEdit> const& inEdits, QTextStream& err);
+int RunEdits(QStringList const &inFiles, std::vector<PropertyEdit> const &inEdits, QTextStream &err);
 
 // Prints DumpLines of each file to `out`, preceded by "==> FILE <==" when
 // there are several. Returns the exit status.
-int RunDumps(QStringList const& inFiles, QTextStream& out, QTextStream& err);
+int RunDumps(QStringList const &inFiles, QTextStream &out, QTextStream &err);
 
 } // namespace kivmeta

@@ -11,7 +11,7 @@
 
 namespace kivmeta {
 
-QImage PaintSamplePicture(QSize const& size)
+QImage PaintSamplePicture(QSize const &size)
 {
     QImage image(size, QImage::Format_RGB32);
     QPainter p(&image);
@@ -46,8 +46,7 @@ QImage PaintSamplePicture(QSize const& size)
         house.lineTo(x + houseWidth, horizon);
         house.closeSubpath();
         p.fillPath(house, walls[i]);
-        p.fillRect(QRectF(x + houseWidth * 0.3, top + (horizon - top) * 0.3, houseWidth * 0.16,
-                          houseWidth * 0.2),
+        p.fillRect(QRectF(x + houseWidth * 0.3, top + (horizon - top) * 0.3, houseWidth * 0.16, houseWidth * 0.2),
                    QColor(255, 220, 120));
     }
 
@@ -77,8 +76,7 @@ QImage PaintSamplePicture(QSize const& size)
     return image;
 }
 
-bool WriteJpegWithMetadata(QString const& path, QImage const& image, std::string_view packet,
-                           QString& error)
+bool WriteJpegWithMetadata(QString const &path, QImage const &image, std::string_view packet, QString &error)
 {
     std::string parseError;
     std::unique_ptr<kivmetadata::XMPMeta> source = kivmetadata::XMPMeta::Parse(packet, &parseError);
@@ -101,7 +99,7 @@ bool WriteJpegWithMetadata(QString const& path, QImage const& image, std::string
     }
     {
         kivmetadata::MetaDataUpdateAccess access(provider);
-        kivmetadata::XMPMeta* meta = access.GetMeta();
+        kivmetadata::XMPMeta *meta = access.GetMeta();
         if (!meta) {
             error = QStringLiteral("%1 has no metadata object").arg(path);
             return false;

@@ -9,7 +9,7 @@
 
 #include <cstdio>
 
-int main(int argc, char** argv)
+int main(int argc, char **argv)
 {
     if (argc != 3) {
         std::fprintf(stderr, "usage: kivmeta-sample PACKET.xmp OUTPUT.jpg\n");
@@ -20,8 +20,7 @@ int main(int argc, char** argv)
 
     QFile packetFile(QString::fromLocal8Bit(argv[1]));
     if (!packetFile.open(QIODevice::ReadOnly)) {
-        std::fprintf(stderr, "kivmeta-sample: cannot read %s: %s\n", argv[1],
-                     qPrintable(packetFile.errorString()));
+        std::fprintf(stderr, "kivmeta-sample: cannot read %s: %s\n", argv[1], qPrintable(packetFile.errorString()));
         return 1;
     }
     QByteArray const packet = packetFile.readAll();
@@ -31,9 +30,9 @@ int main(int argc, char** argv)
         return 1;
     }
     QString error;
-    bool ok = kivmeta::WriteJpegWithMetadata(QString::fromLocal8Bit(argv[2]),
-                                             kivmeta::PaintSamplePicture(QSize(640, 427)),
-                                             std::string_view(packet.constData(), packet.size()), error);
+    bool ok =
+        kivmeta::WriteJpegWithMetadata(QString::fromLocal8Bit(argv[2]), kivmeta::PaintSamplePicture(QSize(640, 427)),
+                                       std::string_view(packet.constData(), packet.size()), error);
     kivmetadata::Terminate();
     if (!ok) {
         std::fprintf(stderr, "kivmeta-sample: %s\n", qPrintable(error));

@@ -12,13 +12,13 @@ class MetadataWindow;
 
 // The file name part for a tab: "Description" -> "description",
 // "IPTC Core" -> "iptc-core".
-QString PanelFileStem(QString const& inPanelName);
+QString PanelFileStem(QString const &inPanelName);
 
 // Renders every tab of a fresh window (made by `inMakeWindow` after the look
 // is set) to "<inDir>/<look>/<nn>-<tab>.png", in the V7 and then the V5
 // look, and leaves the V7 look in force. Returns false with a message when a
 // folder or a file cannot be written.
-bool WriteScreenshots(std::function<std::unique_ptr<MetadataWindow>()> const& inMakeWindow, QString const& inDir,
-                      QStringList& outWritten, QString& outError);
+bool WriteScreenshots(std::function<std::unique_ptr<MetadataWindow>()> const &inMakeWindow, QString const &inDir,
+                      QStringList &outWritten, QString &outError);
 
 } // namespace kivmeta

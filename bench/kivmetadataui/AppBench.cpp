@@ -13,9 +13,9 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QPixmap>
 #include <QTabWidget>
-#include <QFile>
 #include <QTemporaryDir>
 
 #include <memory>
@@ -33,7 +33,7 @@ QByteArray LoadSamplePacket()
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-QStringList const& Files()
+QStringList const &Files()
 {
     static QTemporaryDir folder;
     static QStringList files = [] {
@@ -55,13 +55,13 @@ QStringList const& Files()
     return files;
 }
 
-void BM_Kivmeta500FilesToFirstPanelPainted(benchmark::State& state)
+void BM_Kivmeta500FilesToFirstPanelPainted(benchmark::State &state)
 {
-    QStringList const& files = Files();
+    QStringList const &files = Files();
     for (auto _ : state) {
         std::vector<std::shared_ptr<kivmetadata::FileMetaDataProvider>> providers;
         providers.reserve(files.size());
-        for (QString const& file : files) {
+        for (QString const &file : files) {
             auto provider = kivmetadata::FileMetaDataProvider::Open(file.toStdU16String());
             if (!provider) {
                 state.SkipWithError("a file did not open");
@@ -79,7 +79,8 @@ void BM_Kivmeta500FilesToFirstPanelPainted(benchmark::State& state)
         QPixmap const picture = window->Tabs()->widget(0)->grab();
         QApplication::processEvents();
         if (picture.isNull() || !painted) {
-            state.SkipWithError(picture.isNull() ? "the first panel could not be rendered" : "the first panel was never painted");
+            state.SkipWithError(picture.isNull() ? "the first panel could not be rendered"
+                                                 : "the first panel was never painted");
             return;
         }
         state.PauseTiming();
@@ -93,7 +94,7 @@ BENCHMARK(BM_Kivmeta500FilesToFirstPanelPainted)->Unit(benchmark::kMillisecond)-
 
 } // namespace
 
-int main(int argc, char** argv)
+int main(int argc, char **argv)
 {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);

@@ -20,11 +20,11 @@
 #include <kivui/UI_SubView.h>
 
 #include <QDir>
-#include <QTabWidget>
 #include <QFile>
 #include <QImage>
 #include <QProcess>
 #include <QStandardPaths>
+#include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTextStream>
 
@@ -64,7 +64,7 @@ constexpr char kPacket[] = R"(<x:xmpmeta xmlns:x="adobe:ns:meta/">
  </rdf:RDF>
 </x:xmpmeta>)";
 
-QByteArray ReadAll(QString const& path)
+QByteArray ReadAll(QString const &path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
@@ -76,7 +76,7 @@ struct Outcome {
     QString mErr;
 };
 
-Outcome RunKivmeta(QStringList const& arguments)
+Outcome RunKivmeta(QStringList const &arguments)
 {
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -96,15 +96,16 @@ Outcome RunKivmeta(QStringList const& arguments)
     return run;
 }
 
-std::set<QString> Lines(QString const& text)
+std::set<QString> Lines(QString const &text)
 {
     std::set<QString> lines;
-    for (QString const& line : text.split(u'\n', Qt::SkipEmptyParts)) lines.insert(line);
+    for (QString const &line : text.split(u'\n', Qt::SkipEmptyParts))
+        lines.insert(line);
     return lines;
 }
 
 // Lines in `a` and not in `b`.
-std::set<QString> Minus(std::set<QString> const& a, std::set<QString> const& b)
+std::set<QString> Minus(std::set<QString> const &a, std::set<QString> const &b)
 {
     std::set<QString> out;
     std::set_difference(a.begin(), a.end(), b.begin(), b.end(), std::inserter(out, out.end()));
@@ -113,17 +114,17 @@ std::set<QString> Minus(std::set<QString> const& a, std::set<QString> const& b)
 
 // The library (and with it the XMP toolkit) is started once for the binary.
 class LibraryEnvironment : public ::testing::Environment {
-public:
+  public:
     void SetUp() override { kivmetadataui::Initialize(); }
     void TearDown() override { kivmetadataui::Terminate(); }
 };
-::testing::Environment* const gLibrary = ::testing::AddGlobalTestEnvironment(new LibraryEnvironment);
+::testing::Environment *const gLibrary = ::testing::AddGlobalTestEnvironment(new LibraryEnvironment);
 
 class KivmetaTest : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override { ASSERT_TRUE(mFolder.isValid()); }
 
-    QString MakeJpeg(QString const& name, std::string packet = kPacket)
+    QString MakeJpeg(QString const &name, std::string packet = kPacket)
     {
         QString const path = mFolder.filePath(name);
         QString error;
@@ -132,14 +133,14 @@ protected:
         return path;
     }
 
-    std::set<QString> Dump(QString const& path)
+    std::set<QString> Dump(QString const &path)
     {
         Outcome run = RunKivmeta({QStringLiteral("--dump"), path});
         EXPECT_EQ(run.mStatus, 0) << run.mErr.toStdString();
         return Lines(run.mOut);
     }
 
-    static std::string ReadValue(QString const& path, std::string const& ns, std::string const& property)
+    static std::string ReadValue(QString const &path, std::string const &ns, std::string const &property)
     {
         auto provider = kivmetadata::FileMetaDataProvider::Open(path.toStdU16String());
         if (!provider) return "<unreadable>";
@@ -159,9 +160,8 @@ TEST(KivmetaCommandLineTest, ParsesOptionsAndRefusesMalformedOnes)
 {
     kivmeta::CommandLine line;
     QString error;
-    ASSERT_TRUE(kivmeta::ParseCommandLine({"--set", "dc:title=a=b", "--delete=dc:subject", "--set=xmp:Rating=", "f.jpg",
-                                           "--", "--odd.jpg"},
-                                          line, error))
+    ASSERT_TRUE(kivmeta::ParseCommandLine(
+        {"--set", "dc:title=a=b", "--delete=dc:subject", "--set=xmp:Rating=", "f.jpg", "--", "--odd.jpg"}, line, error))
         << error.toStdString();
     ASSERT_EQ(line.mEdits.size(), 3u);
     EXPECT_EQ(line.mEdits[0].mProperty, "dc:title");
@@ -175,17 +175,17 @@ TEST(KivmetaCommandLineTest, ParsesOptionsAndRefusesMalformedOnes)
     EXPECT_EQ(line.mDumpFiles, QStringList({"a.jpg"}));
 
     QStringList const refused[] = {
-        {"--set", "dc:title", "f.jpg"},       // no value
-        {"--set", "title=x", "f.jpg"},        // no prefix
-        {"--set", ":title=x", "f.jpg"},       // empty prefix
-        {"--delete", "dc:", "f.jpg"},         // empty name
-        {"--set"},                            // missing argument
-        {"--screenshot"},                     // missing folder
-        {"--bogus"},                          // unknown option
-        {"--set", "dc:title=x"},              // edits without a file
+        {"--set", "dc:title", "f.jpg"}, // no value
+        {"--set", "title=x", "f.jpg"},  // no prefix
+        {"--set", ":title=x", "f.jpg"}, // empty prefix
+        {"--delete", "dc:", "f.jpg"},   // empty name
+        {"--set"},                      // missing argument
+        {"--screenshot"},               // missing folder
+        {"--bogus"},                    // unknown option
+        {"--set", "dc:title=x"},        // edits without a file
         {"--screenshot", "d", "--set", "dc:title=x", "f.jpg"},
     };
-    for (QStringList const& arguments : refused) {
+    for (QStringList const &arguments : refused) {
         error.clear();
         EXPECT_FALSE(kivmeta::ParseCommandLine(arguments, line, error)) << arguments.join(' ').toStdString();
         EXPECT_FALSE(error.isEmpty()) << arguments.join(' ').toStdString();
@@ -195,24 +195,29 @@ TEST(KivmetaCommandLineTest, ParsesOptionsAndRefusesMalformedOnes)
 TEST(KivmetaNamesTest, ScreenshotFileNamesAndWindowTitles)
 {
     std::pair<QString, QString> const stems[] = {{"Description", "description"}, {"IPTC Core", "iptc-core"},
-                                                 {"Audio/Video", "audio-video"},  {"Raw Data", "raw-data"},
-                                                 {" GPS  Data ", "gps-data"},     {"***", "panel"}};
-    for (auto const& [label, stem] : stems) EXPECT_EQ(kivmeta::PanelFileStem(label), stem) << label.toStdString();
+                                                 {"Audio/Video", "audio-video"}, {"Raw Data", "raw-data"},
+                                                 {" GPS  Data ", "gps-data"},    {"***", "panel"}};
+    for (auto const &[label, stem] : stems)
+        EXPECT_EQ(kivmeta::PanelFileStem(label), stem) << label.toStdString();
 
     EXPECT_EQ(kivmeta::WindowTitleForFiles({"a.jpg"}), "a.jpg - kivmeta");
-    EXPECT_EQ(kivmeta::WindowTitleForFiles({"a.jpg", "b.jpg", "c.jpg", "d.jpg"}), "a.jpg, b.jpg, c.jpg, d.jpg - kivmeta");
+    EXPECT_EQ(kivmeta::WindowTitleForFiles({"a.jpg", "b.jpg", "c.jpg", "d.jpg"}),
+              "a.jpg, b.jpg, c.jpg, d.jpg - kivmeta");
     QStringList many;
-    for (int i = 0; i < 500; ++i) many << QStringLiteral("%1.jpg").arg(i);
+    for (int i = 0; i < 500; ++i)
+        many << QStringLiteral("%1.jpg").arg(i);
     EXPECT_EQ(kivmeta::WindowTitleForFiles(many), "0.jpg, 1.jpg, 2.jpg and 497 more - kivmeta");
 }
 
 TEST(KivmetaDumpTest, ListsLeavesSortedWithItemsInNumericOrder)
 {
-    std::string packet = R"(<x:xmpmeta xmlns:x="adobe:ns:meta/"><rdf:RDF xmlns:rdf="http://www.w3.org/1999/02/22-rdf-syntax-ns#">
+    std::string packet =
+        R"(<x:xmpmeta xmlns:x="adobe:ns:meta/"><rdf:RDF xmlns:rdf="http://www.w3.org/1999/02/22-rdf-syntax-ns#">
       <rdf:Description rdf:about="" xmlns:dc="http://purl.org/dc/elements/1.1/"
         xmlns:Iptc4xmpCore="http://iptc.org/std/Iptc4xmpCore/1.0/xmlns/">
        <dc:subject><rdf:Bag>)";
-    for (int i = 1; i <= 11; ++i) packet += "<rdf:li>s" + std::to_string(i) + "</rdf:li>";
+    for (int i = 1; i <= 11; ++i)
+        packet += "<rdf:li>s" + std::to_string(i) + "</rdf:li>";
     packet += R"(</rdf:Bag></dc:subject>
        <dc:description><rdf:Alt><rdf:li xml:lang="x-default">line one
 line two \ end</rdf:li></rdf:Alt></dc:description>
@@ -224,16 +229,19 @@ line two \ end</rdf:li></rdf:Alt></dc:description>
     ASSERT_TRUE(meta) << error;
     QStringList lines = kivmeta::DumpLines(*meta);
 
-    EXPECT_TRUE(lines.contains("Iptc4xmpCore:CreatorContactInfo/Iptc4xmpCore:CiAdrCity=Bergen")) << lines.join('\n').toStdString();
+    EXPECT_TRUE(lines.contains("Iptc4xmpCore:CreatorContactInfo/Iptc4xmpCore:CiAdrCity=Bergen"))
+        << lines.join('\n').toStdString();
     EXPECT_TRUE(lines.contains("dc:description[1]=line one\\nline two \\\\ end"));
     EXPECT_TRUE(lines.contains("dc:description[1]/?xml:lang=x-default"));
     // Items 1..11 in numeric order, and the whole list sorted.
     QStringList subjects = lines.filter(QStringLiteral("dc:subject["));
     ASSERT_EQ(subjects.size(), 11);
-    for (int i = 0; i < 11; ++i) EXPECT_EQ(subjects[i], QStringLiteral("dc:subject[%1]=s%1").arg(i + 1));
+    for (int i = 0; i < 11; ++i)
+        EXPECT_EQ(subjects[i], QStringLiteral("dc:subject[%1]=s%1").arg(i + 1));
     EXPECT_LT(lines.indexOf("Iptc4xmpCore:CreatorContactInfo/Iptc4xmpCore:CiAdrCity=Bergen"),
               lines.indexOf("dc:description[1]=line one\\nline two \\\\ end"));
-    for (QString const& line : lines) EXPECT_FALSE(line.contains(u'\n'));
+    for (QString const &line : lines)
+        EXPECT_FALSE(line.contains(u'\n'));
 }
 
 TEST_F(KivmetaTest, SetChangesExactlyThatPropertyAndNothingElse)
@@ -242,22 +250,22 @@ TEST_F(KivmetaTest, SetChangesExactlyThatPropertyAndNothingElse)
     std::set<QString> const before = Dump(file);
     ASSERT_TRUE(before.count("photoshop:City=Bergen"));
 
-    Outcome run = RunKivmeta({"--set", "photoshop:City=Tromsø", "--set", "xmp:Rating=5", "--set", "dc:subject=sea; fjord",
-                          file});
+    Outcome run =
+        RunKivmeta({"--set", "photoshop:City=Tromsø", "--set", "xmp:Rating=5", "--set", "dc:subject=sea; fjord", file});
     ASSERT_EQ(run.mStatus, 0) << run.mErr.toStdString();
 
     std::set<QString> const after = Dump(file);
     EXPECT_EQ(Minus(before, after), (std::set<QString>{"photoshop:City=Bergen", "xmp:Rating=3", "dc:subject[1]=harbour",
-                                                        "dc:subject[2]=boats"}));
-    EXPECT_EQ(Minus(after, before), (std::set<QString>{"photoshop:City=Tromsø", "xmp:Rating=5", "dc:subject[1]=sea",
-                                                        "dc:subject[2]=fjord"}));
+                                                       "dc:subject[2]=boats"}));
+    EXPECT_EQ(Minus(after, before),
+              (std::set<QString>{"photoshop:City=Tromsø", "xmp:Rating=5", "dc:subject[1]=sea", "dc:subject[2]=fjord"}));
 }
 
 TEST_F(KivmetaTest, ExiftoolSeesTheEditAndNothingElse)
 {
     QString const exiftool = QStandardPaths::findExecutable(QStringLiteral("exiftool"));
     if (exiftool.isEmpty()) GTEST_SKIP() << "exiftool is not installed";
-    auto readTags = [&exiftool](QString const& path) {
+    auto readTags = [&exiftool](QString const &path) {
         QProcess process;
         // -a: exiftool otherwise hides XMP tags that share a name with IPTC ones.
         process.start(exiftool, {"-a", "-G1", "-s", "-XMP:All", "-charset", "UTF8", path});
@@ -275,10 +283,11 @@ TEST_F(KivmetaTest, ExiftoolSeesTheEditAndNothingElse)
     std::set<QString> gone = Minus(before, after), added = Minus(after, before);
     ASSERT_EQ(gone.size(), 2u) << QStringList(gone.begin(), gone.end()).join('\n').toStdString();
     ASSERT_EQ(added.size(), 1u) << QStringList(added.begin(), added.end()).join('\n').toStdString();
-    auto simplified = [](QString const& line) { return line.simplified(); };
+    auto simplified = [](QString const &line) { return line.simplified(); };
     EXPECT_EQ(simplified(*added.begin()), "[XMP-dc] Title : Harbour at night");
     std::set<QString> goneSimplified;
-    for (QString const& line : gone) goneSimplified.insert(simplified(line));
+    for (QString const &line : gone)
+        goneSimplified.insert(simplified(line));
     EXPECT_EQ(goneSimplified, (std::set<QString>{"[XMP-dc] Title : Harbour", "[XMP-photoshop] City : Bergen"}));
 }
 
@@ -287,12 +296,12 @@ TEST_F(KivmetaTest, DeleteRemovesArraysStructsAndFieldsOnly)
     QString const file = MakeJpeg("delete.jpg");
     std::set<QString> const before = Dump(file);
     Outcome run = RunKivmeta({"--delete", "dc:subject", "--delete", "Iptc4xmpCore:CreatorContactInfo", "--delete",
-                          "Iptc4xmpExt:LocationShown[1]/Iptc4xmpExt:City", file});
+                              "Iptc4xmpExt:LocationShown[1]/Iptc4xmpExt:City", file});
     ASSERT_EQ(run.mStatus, 0) << run.mErr.toStdString();
     std::set<QString> const after = Dump(file);
-    for (QString const& line : Minus(before, after))
-        EXPECT_TRUE(line.startsWith("dc:subject[") || line.startsWith("Iptc4xmpCore:CreatorContactInfo/")
-                    || line.startsWith("Iptc4xmpExt:LocationShown[1]/Iptc4xmpExt:City="))
+    for (QString const &line : Minus(before, after))
+        EXPECT_TRUE(line.startsWith("dc:subject[") || line.startsWith("Iptc4xmpCore:CreatorContactInfo/") ||
+                    line.startsWith("Iptc4xmpExt:LocationShown[1]/Iptc4xmpExt:City="))
             << line.toStdString();
     EXPECT_TRUE(Minus(after, before).empty());
     EXPECT_EQ(ReadValue(file, kDc, "dc:subject"), "<absent>");
@@ -304,12 +313,12 @@ TEST_F(KivmetaTest, RefusedValuesLeaveTheFileByteForByte)
     QString const file = MakeJpeg("refused.jpg");
     QByteArray const original = ReadAll(file);
     QStringList const refused[] = {
-        {"--set", "xmp:Rating=abc"},          // not a number
-        {"--set", "photoshop:Urgency=12"},    // not one of the choices
-        {"--set", "xmp:CreateDate=yesterday"}, // not a date
-        {"--set", "exif:FNumber=2"},          // a rational: read-only
-        {"--set", "nope:Thing=1"},            // unknown prefix
-        {"--set", "dc:noSuchProperty=1"},     // unknown property
+        {"--set", "xmp:Rating=abc"},                    // not a number
+        {"--set", "photoshop:Urgency=12"},              // not one of the choices
+        {"--set", "xmp:CreateDate=yesterday"},          // not a date
+        {"--set", "exif:FNumber=2"},                    // a rational: read-only
+        {"--set", "nope:Thing=1"},                      // unknown prefix
+        {"--set", "dc:noSuchProperty=1"},               // unknown property
         {"--set", "Iptc4xmpCore:CreatorContactInfo=x"}, // a struct as a whole
         // A good edit before a bad one must not be saved either.
         {"--set", "photoshop:City=Oslo", "--set", "xmp:Rating=abc"},
@@ -318,7 +327,8 @@ TEST_F(KivmetaTest, RefusedValuesLeaveTheFileByteForByte)
         arguments << file;
         Outcome run = RunKivmeta(arguments);
         EXPECT_NE(run.mStatus, 0) << arguments.join(' ').toStdString();
-        EXPECT_TRUE(run.mErr.contains("kivmeta:")) << arguments.join(' ').toStdString() << ": " << run.mErr.toStdString();
+        EXPECT_TRUE(run.mErr.contains("kivmeta:"))
+            << arguments.join(' ').toStdString() << ": " << run.mErr.toStdString();
         EXPECT_EQ(ReadAll(file), original) << arguments.join(' ').toStdString();
     }
 }
@@ -376,7 +386,7 @@ TEST_F(KivmetaTest, ScreenshotsOnePngPerTabInBothLooks)
         ASSERT_EQ(pngs.size(), panels) << look.toStdString();
         EXPECT_EQ(pngs.first(), "01-" + kivmeta::PanelFileStem(window.Tabs()->tabText(0)) + ".png");
         EXPECT_EQ(pngs.last(), QStringLiteral("%1-raw-data.png").arg(panels, 2, 10, QLatin1Char('0')));
-        for (QString const& png : pngs) {
+        for (QString const &png : pngs) {
             QImage image(dir + "/" + look + "/" + png);
             EXPECT_FALSE(image.isNull()) << png.toStdString();
             EXPECT_GT(image.width(), 300);
@@ -402,8 +412,8 @@ TEST_F(KivmetaTest, WindowEditsReachFilesOnlyOnOk)
     packetB.replace(packetB.find("Bergen"), 6, "Narvik");
     QString const b = MakeJpeg("wb.jpg", packetB);
     QByteArray const originalA = ReadAll(a), originalB = ReadAll(b);
-    auto open = [](QString const& path) { return kivmetadata::FileMetaDataProvider::Open(path.toStdU16String()); };
-    kivui::UI_SubView* parent = new kivui::UI_SubView();
+    auto open = [](QString const &path) { return kivmetadata::FileMetaDataProvider::Open(path.toStdU16String()); };
+    kivui::UI_SubView *parent = new kivui::UI_SubView();
     kivcore::utility::IntrusivePtr<kivui::UI_SubView> holder(parent);
 
     {
@@ -416,8 +426,8 @@ TEST_F(KivmetaTest, WindowEditsReachFilesOnlyOnOk)
         EXPECT_EQ(result, kivmetadata::kGetValueResult_SeveralValues);
 
         QString error;
-        ASSERT_TRUE(kivmeta::ApplyEdit(window.EditedProvider(), parent, {PropertyEdit::Kind::Set, "dc:title", "Edited"},
-                                       error))
+        ASSERT_TRUE(
+            kivmeta::ApplyEdit(window.EditedProvider(), parent, {PropertyEdit::Kind::Set, "dc:title", "Edited"}, error))
             << error.toStdString();
         // Cancel: the window goes, nothing is written.
     }
@@ -442,7 +452,7 @@ TEST_F(KivmetaTest, OkWithAnUnwritableFileSavesTheOthersAndKeepsItIntact)
     QString const b = MakeJpeg("locked.jpg");
     QByteArray const originalB = ReadAll(b);
     ASSERT_TRUE(QFile::setPermissions(b, QFile::ReadOwner | QFile::ReadGroup));
-    auto open = [](QString const& path) { return kivmetadata::FileMetaDataProvider::Open(path.toStdU16String()); };
+    auto open = [](QString const &path) { return kivmetadata::FileMetaDataProvider::Open(path.toStdU16String()); };
     kivcore::utility::IntrusivePtr<kivui::UI_SubView> parent(new kivui::UI_SubView());
 
     using kivui::dialogs::ScriptedResponses;
