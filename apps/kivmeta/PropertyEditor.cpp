@@ -443,6 +443,10 @@ int RunDumps(QStringList const &files, QTextStream &out, QTextStream &err)
             status = 1;
             continue;
         }
+        if (!provider->IsWritable()) {
+            err << "kivmeta: the XMP packet of " << file << " could not be read completely; showing what was read\n";
+            status = 1;
+        }
         if (files.size() > 1) out << "==> " << file << " <==\n";
         kivmetadata::MetaDataReadAccess access(provider);
         if (kivmetadata::XMPMeta const *meta = access.GetMeta()) {

@@ -349,6 +349,28 @@ TEST_F(KivmetaTest, UnwritableFilesAreReportedAndKept)
     EXPECT_TRUE(missing.mErr.contains("missing.jpg")) << missing.mErr.toStdString();
 }
 
+TEST_F(KivmetaTest, DamagedPacketIsReportedAndNeverRewritten)
+{
+    QString const file = MakeJpeg("damaged.jpg");
+    QByteArray bytes = ReadAll(file);
+    qsizetype const at = bytes.indexOf("</rdf:RDF>");
+    ASSERT_GT(at, 0);
+    bytes[at + 2] = 'X'; // the packet no longer parses; the file keeps its size
+    {
+        QFile out(file);
+        ASSERT_TRUE(out.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        out.write(bytes);
+    }
+    Outcome dump = RunKivmeta({"--dump", file});
+    EXPECT_NE(dump.mStatus, 0);
+    EXPECT_TRUE(dump.mErr.contains("damaged.jpg")) << dump.mErr.toStdString();
+
+    Outcome set = RunKivmeta({"--set", "dc:title=x", file});
+    EXPECT_NE(set.mStatus, 0);
+    EXPECT_TRUE(set.mErr.contains("damaged.jpg")) << set.mErr.toStdString();
+    EXPECT_EQ(ReadAll(file), bytes);
+}
+
 TEST_F(KivmetaTest, SeveralFilesGetTheEditAndKeepTheirOwnValues)
 {
     QString const a = MakeJpeg("a.jpg");
