@@ -197,13 +197,21 @@ bool NodeEventFilter::HandleKey(QWidget *inWidget, QKeyEvent *inEvent)
     UI_Node *node = UI_Node::FromWidgetOrAncestor(inWidget);
     if (!node) return false;
     // (QWidget::isAncestorOf counts the widget itself, hence the first test.)
-    if (mLastKeyEvent == inEvent && mLastKeyWidget && mLastKeyWidget != inWidget
-        && inWidget->isAncestorOf(mLastKeyWidget)) {
+    // An address alone is not an identity: a new event may be made where the
+    // last one lived, so the key, type, modifiers and time must match too.
+    const bool sameEvent = mLastKeyEvent == inEvent && mLastKey == inEvent->key() &&
+                           mLastKeyType == inEvent->type() && mLastKeyModifiers == inEvent->modifiers() &&
+                           mLastKeyTimestamp == inEvent->timestamp();
+    if (sameEvent && mLastKeyWidget && mLastKeyWidget != inWidget && inWidget->isAncestorOf(mLastKeyWidget)) {
         // The same event travelling up after the focus widget ignored it.
         mLastKeyWidget = inWidget;
         return false;
     }
     mLastKeyEvent = inEvent;
+    mLastKey = inEvent->key();
+    mLastKeyType = inEvent->type();
+    mLastKeyModifiers = inEvent->modifiers();
+    mLastKeyTimestamp = inEvent->timestamp();
     mLastKeyWidget = inWidget;
     KeyboardEvent const ev = TranslateKey(*inEvent);
     auto &manager = UI_NodeManager::Get();

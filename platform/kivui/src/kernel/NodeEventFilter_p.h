@@ -54,6 +54,10 @@ private:
     // Key events propagate to parent widgets when ignored; only the first
     // node widget to see one dispatches it.
     QEvent const *mLastKeyEvent = nullptr;
+    int mLastKey = 0;
+    QEvent::Type mLastKeyType = QEvent::None;
+    Qt::KeyboardModifiers mLastKeyModifiers;
+    quint64 mLastKeyTimestamp = 0;
     QPointer<QWidget> mLastKeyWidget;
     bool mForwardingTab = false;
 };

@@ -55,7 +55,10 @@ UI_Popup::UI_Popup() : UI_InteractiveControlView(new QComboBox), d(std::make_uni
     d->combo = static_cast<QComboBox *>(UI_GetWidget());
     d->combo->setProperty("kivuiClass", QStringLiteral("UI_Popup"));
     d->combo->setInsertPolicy(QComboBox::NoInsert);
-    d->combo->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    // AdjustToContents would have Qt resize the box on its own timer whenever
+    // the items change, overriding the node's rectangle; this policy only
+    // sizes the hint from the items.
+    d->combo->setSizeAdjustPolicy(QComboBox::AdjustToContentsOnFirstShow);
     QObject::connect(d->combo, &QComboBox::activated, d->combo, [this](int index) { UserChose(index); });
     QSize const hint = d->combo->sizeHint();
     UI_SetLocalRectF(kivcore::RectF{0, 0, float(hint.width()), float(std::max(hint.height(), 19))});
