@@ -185,11 +185,7 @@ std::vector<kivmetadata::Choice> ChoicesFromViewItem(ViewItem const &inViewItem)
     const auto definition = kivmetadata::PathEntryDefinition(inViewItem.mPath);
     KIV_ASSERT(kUnit, "kivmetadataui::ChoicesFromViewItem", definition);
     if (!definition) return {};
-    if (!definition->mChoices.empty()) return definition->mChoices;
-    if (!definition->mTypeId.empty()) {
-        if (const auto type = kivmetadata::TypeIdDefinition(definition->mTypeId)) return type->mChoices;
-    }
-    return {};
+    return kivmetadata::DefinitionChoices(*definition);
 }
 
 std::u16string LocalizeIfKey(std::string const &inText)
@@ -214,13 +210,8 @@ std::u16string ChoiceDisplayFromRawValue(std::shared_ptr<PropertyDefinition> con
 {
     KIV_ASSERT("src/BindControl", "kivmetadataui::ChoiceDisplayFromRawValue", inDefinition);
     if (!inDefinition) return Utf8ToUtf16(inRawValue);
-    std::shared_ptr<kivmetadata::TypeDefinition> type;
-    if (!inDefinition->mTypeId.empty()) type = kivmetadata::TypeIdDefinition(inDefinition->mTypeId);
-    else if (inDefinition->mPrimitiveType)
-        type = kivmetadata::TypeIdDefinition(kivmetadata::PrimitiveTypeAsPrimitiveTypeId(*inDefinition->mPrimitiveType));
-    std::vector<kivmetadata::Choice> const *choices = &inDefinition->mChoices;
-    if (choices->empty() && type) choices = &type->mChoices;
-    for (auto const &choice : *choices) {
+    const std::vector<kivmetadata::Choice> choices = kivmetadata::DefinitionChoices(*inDefinition);
+    for (auto const &choice : choices) {
         if (choice.mRawValue == inRawValue) return LocalizeIfKey(choice.mDisplay);
     }
     return Utf8ToUtf16(inRawValue);

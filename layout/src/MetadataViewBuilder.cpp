@@ -5,6 +5,7 @@
 #include <kivmetadataui/Control.h>
 #include <kivmetadataui/ControlFactory.h>
 
+#include <kivmetadata/Definitions.h>
 #include <kivmetadata/MetaDataProvider.h>
 #include <kivmetadata/PropertyDefinition.h>
 #include <kivmetadata/Value.h>
@@ -258,11 +259,14 @@ void MetadataViewBuilder::AddProperty(std::shared_ptr<kivmetadata::ViewItem> con
         if (auto root = weakRoot.lock()) root->Layout();
     });
     // Panels ask for a drop-down without listing choices when the property's
-    // definition has them.
+    // definition or its type has them.
     std::shared_ptr<kivmetadata::ViewItem> viewItem = inItem;
-    if (inItem->HasAttribute("dropdown") && inItem->mChoices.empty() && !inDefinition.mChoices.empty()) {
-        viewItem = std::make_shared<kivmetadata::ViewItem>(*inItem);
-        viewItem->mChoices = inDefinition.mChoices;
+    if (inItem->HasAttribute("dropdown") && inItem->mChoices.empty()) {
+        auto choices = kivmetadata::DefinitionChoices(inDefinition);
+        if (!choices.empty()) {
+            viewItem = std::make_shared<kivmetadata::ViewItem>(*inItem);
+            viewItem->mChoices = std::move(choices);
+        }
     }
     auto control = ControlFactory(value, viewItem, IntrusivePtr<kivui::UI_Node>(), false, nullptr, onSizeChanged);
     if (!control || !control->GetView()) return;

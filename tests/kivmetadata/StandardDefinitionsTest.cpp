@@ -738,6 +738,11 @@ TEST_F(StandardDefinitionsTest, ModelLoadsEverySchemaAndResolvesEveryPanelPath)
                 if (item->HasAttribute("rating")) {
                     EXPECT_EQ(kivmetadata::PrimitiveTypeOfPath(item->mPath), kivmetadata::kPrimitiveType_Real) << where;
                 }
+                // A drop-down needs choices: the row's own, the property's or its type's.
+                if (item->HasAttribute("dropdown") && item->mChoices.empty()) {
+                    auto definition = kivmetadata::PathEntryDefinition(item->mPath);
+                    EXPECT_TRUE(definition && !kivmetadata::DefinitionChoices(*definition).empty()) << where;
+                }
             }
         }
         EXPECT_EQ(shown, p.items.size()) << p.name.toStdString();

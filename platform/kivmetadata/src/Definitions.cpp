@@ -430,6 +430,17 @@ std::shared_ptr<TypeDefinition> TypeIdDefinition(std::string const &id)
     return it == types.end() ? nullptr : it->second;
 }
 
+std::vector<Choice> DefinitionChoices(PropertyDefinition const &definition)
+{
+    if (!definition.mChoices.empty()) return definition.mChoices;
+    std::shared_ptr<TypeDefinition> type;
+    if (!definition.mTypeId.empty())
+        type = TypeIdDefinition(definition.mTypeId);
+    else if (definition.mPrimitiveType)
+        type = TypeIdDefinition(PrimitiveTypeAsPrimitiveTypeId(*definition.mPrimitiveType));
+    return type ? type->mChoices : std::vector<Choice>{};
+}
+
 std::string PrimitiveTypeAsPrimitiveTypeId(PrimitiveType type)
 {
     switch (type) {

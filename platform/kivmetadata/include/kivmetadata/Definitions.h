@@ -1,5 +1,6 @@
 #pragma once
 
+#include <kivmetadata/Choice.h>
 #include <kivmetadata/PrimitiveType.h>
 #include <kivmetadata/kivmetadata_export.h>
 
@@ -31,6 +32,9 @@ KIVMETADATA_EXPORT std::shared_ptr<TypeDefinition> TypeIdDefinition(std::string 
 // The type id naming a primitive type: "integer", "real", "text",
 // "boolean", "openChoice", "closedChoice", "bag", "seq", "langAlt".
 KIVMETADATA_EXPORT std::string PrimitiveTypeAsPrimitiveTypeId(PrimitiveType type);
+// The choices a property offers: its own list when it has one, else those of
+// its type (named by its type id, or else by its primitive type).
+KIVMETADATA_EXPORT std::vector<Choice> DefinitionChoices(PropertyDefinition const &definition);
 
 // Registers a schema (and its namespace with the XMP toolkit, which may
 // give it another prefix; the schema's and its properties' prefixes follow).
