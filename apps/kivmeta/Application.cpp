@@ -38,14 +38,12 @@ struct LibraryScope {
 
 QtMessageHandler gDefaultMessageHandler = nullptr;
 
-// The offscreen platform warns each time a widget that once had a window of
-// its own is put into another; harmless there, and it would bury the
+// The offscreen platform says, for every top-level window it lays out, that
+// it cannot pass size hints on; harmless there, and it would bury the
 // program's own messages.
 void FilterOffscreenNoise(QtMsgType type, QMessageLogContext const &context, QString const &message)
 {
-    if (type == QtWarningMsg && (message == u"This plugin does not support setParent!" ||
-                                 message == u"This plugin does not support propagateSizeHints()"))
-        return;
+    if (type == QtWarningMsg && message == u"This plugin does not support propagateSizeHints()") return;
     if (gDefaultMessageHandler) gDefaultMessageHandler(type, context, message);
 }
 
