@@ -94,16 +94,3 @@ BENCHMARK(BM_Kivmeta500FilesToFirstPanelPainted)->Unit(benchmark::kMillisecond)-
 
 } // namespace
 
-int main(int argc, char **argv)
-{
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    kivmetadataui::Initialize();
-    kivmetadataui::ModuleInfo::Get();
-    kivui::skins::core::SkinManager::Start(kivui::skins::core::SkinVersion::kV7);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    kivmetadataui::Terminate();
-    return 0;
-}

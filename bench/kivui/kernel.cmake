@@ -1,3 +1,4 @@
 kiv_add_benchmark(kivuiKernelBench
   SOURCES ${CMAKE_CURRENT_LIST_DIR}/KernelBench.cpp
-  LINK kivui Qt6::Widgets)
+  LINK kivui Qt6::Widgets
+  MAIN kivbench_main_gui)
