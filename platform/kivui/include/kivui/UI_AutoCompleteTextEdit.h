@@ -23,7 +23,8 @@ protected:
 
 private:
     std::vector<std::u16string> mEntries;
-    QCompleter *mCompleter = nullptr;
+    QCompleter *EnsureCompleter() const;
+    mutable QCompleter *mCompleter = nullptr;
 };
 
 } // namespace kivui
