@@ -22,6 +22,8 @@
 #include <QRadioButton>
 #include <QStyle>
 #include <QStyleOptionButton>
+#include "ControlListener.h"
+
 #include <QTest>
 #include <QToolButton>
 
@@ -36,21 +38,7 @@ using kivcore::utility::MakeIntrusive;
 namespace kivui {
 namespace {
 
-struct Listener {
-    std::vector<int> interactive;
-    int changed = 0;
-    MessageHandler onInteractive = std::make_shared<std::function<void(Message *)>>([this](Message *m) {
-        interactive.push_back(static_cast<UI_InteractiveControlChangedMessage *>(m)->GetChangeMessage());
-    });
-    MessageHandler onChanged = std::make_shared<std::function<void(Message *)>>([this](Message *) { ++changed; });
-
-    void Attach(UI_ControlView &control)
-    {
-        if (auto *interactiveControl = dynamic_cast<UI_InteractiveControlView *>(&control))
-            interactiveControl->NotifyWhenChangedInteractively(onInteractive);
-        control.NotifyWhenChanged(onChanged);
-    }
-};
+using Listener = test::ControlListener;
 
 class ControlsChoiceTest : public ::testing::Test {
 protected:

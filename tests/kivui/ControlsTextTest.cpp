@@ -16,6 +16,8 @@
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <QScrollBar>
+#include "ControlListener.h"
+
 #include <QTest>
 #include <QToolButton>
 
@@ -29,31 +31,7 @@ using kivcore::utility::MakeIntrusive;
 namespace kivui {
 namespace {
 
-// Collects what a control reports.
-struct Listener {
-    std::vector<int> interactive;
-    int changed = 0;
-    MessageHandler onInteractive = std::make_shared<std::function<void(Message *)>>([this](Message *m) {
-        auto *message = dynamic_cast<UI_InteractiveControlChangedMessage *>(m);
-        ASSERT_NE(message, nullptr);
-        interactive.push_back(message->GetChangeMessage());
-    });
-    MessageHandler onChanged = std::make_shared<std::function<void(Message *)>>([this](Message *) { ++changed; });
-
-    void Attach(UI_InteractiveControlView &control)
-    {
-        control.NotifyWhenChangedInteractively(onInteractive);
-        control.NotifyWhenChanged(onChanged);
-    }
-    // Interactive messages without the 1s of each keystroke.
-    std::vector<int> Stages() const
-    {
-        std::vector<int> out;
-        for (int m : interactive)
-            if (m != 1) out.push_back(m);
-        return out;
-    }
-};
+using Listener = test::ControlListener;
 
 class ControlsTextTest : public ::testing::Test {
 protected:
