@@ -5,6 +5,7 @@
 
 #include <kivcore/Localizer.h>
 #include <kivui/Message.h>
+#include <kivui/SkinManager.h>
 
 #include <QLineEdit>
 #include <QStyle>
@@ -26,6 +27,8 @@ UI_DateTextEdit::UI_DateTextEdit()
     if (QLineEdit *edit = GetLineEdit()) {
         edit->setProperty(kSkinProperty, true);
         edit->setProperty(kInvalidProperty, false);
+        // Its skins are style-sheet rules on the field itself.
+        kivui::skins::core::SkinManager::AdoptWidget(edit);
     }
     mEditHandler = std::make_shared<std::function<void(kivui::Message *)>>([this](kivui::Message *inMessage) {
         auto *changed = dynamic_cast<kivui::UI_InteractiveControlChangedMessage *>(inMessage);

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QLineEdit>
 #include <QFontInfo>
 #include <QPalette>
 
@@ -165,7 +166,13 @@ TEST_F(SkinsTest, TheTwoLooksDifferVisiblyAndShareTheFont)
     SkinManager::Start(SkinVersion::kV5);
     QColor const v5Window = QApplication::palette().color(QPalette::Window);
     QColor const v5Text = QApplication::palette().color(QPalette::WindowText);
-    QString const v5Sheet = qApp->styleSheet();
+    QString const v5Sheet = SkinManager::CurrentStyleSheet();
+    // Adopted widgets carry the look's sheet; the application itself has none,
+    // so that widgets that need no sheet stay fast to make.
+    QLineEdit adopted;
+    SkinManager::AdoptWidget(&adopted);
+    EXPECT_EQ(adopted.styleSheet(), v5Sheet);
+    EXPECT_TRUE(qApp->styleSheet().isEmpty());
     EXPECT_EQ(QFontInfo(QApplication::font()).family(), QStringLiteral("DejaVu Sans"));
 
     int const generation = SkinManager::GetGeneration();
@@ -179,7 +186,9 @@ TEST_F(SkinsTest, TheTwoLooksDifferVisiblyAndShareTheFont)
     EXPECT_LT(v5Text.lightness(), 80);
     EXPECT_LT(v7Window.lightness(), 100);
     EXPECT_GT(v7Text.lightness(), 180);
-    EXPECT_NE(qApp->styleSheet(), v5Sheet);
+    EXPECT_NE(SkinManager::CurrentStyleSheet(), v5Sheet);
+    EXPECT_EQ(adopted.styleSheet(), SkinManager::CurrentStyleSheet());
+    EXPECT_TRUE(qApp->styleSheet().isEmpty());
     EXPECT_EQ(QFontInfo(QApplication::font()).family(), QStringLiteral("DejaVu Sans"));
 }
 

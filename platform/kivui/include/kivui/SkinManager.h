@@ -5,6 +5,8 @@
 
 #include <QString>
 
+class QWidget;
+
 #include <string>
 
 namespace kivui::ui {
@@ -18,8 +20,11 @@ class SkinSet;
 // The look of the whole UI. The sets "V5" and "V7" exist from the start and
 // hold the toolkit's base skins; libraries add theirs from their ModuleInfo.
 // Starting the skin system (or changing the look) calls Initialize() on every
-// registered ModuleInfo, then applies the set of the look in use to the
-// application: style, palette, font (DejaVu Sans) and style sheet.
+// registered ModuleInfo, then applies the look in use: style, palette and font
+// (DejaVu Sans) to the whole application, and the set's style sheet to the
+// widgets that adopt it. The sheet is not set on the application: Qt would
+// then send every widget through its style-sheet machinery, which makes
+// building a panel of controls many times slower.
 class KIVUI_EXPORT SkinManager {
 public:
     // The look in force; V7 until another is set.
@@ -40,8 +45,11 @@ public:
     static bool IsStarted();
     // Re-applies the current set (after skins were added outside Initialize()).
     static void Apply();
-    // The style sheet that Apply() sets for the current look.
+    // The style sheet of the current look's set.
     static QString CurrentStyleSheet();
+    // A widget whose look needs the skins' style sheet (its selectors name the
+    // widget): it gets the current sheet now and again whenever the look changes.
+    static void AdoptWidget(QWidget *widget);
 
     // ModuleInfo registers itself on construction (without initialising: its
     // derived part does not exist yet). A record made after the start is

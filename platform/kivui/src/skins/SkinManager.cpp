@@ -53,6 +53,9 @@ void DestroySkinSingleton(char const *typeName)
 namespace core {
 namespace {
 
+constexpr char kAdoptedProperty[] = "kivSkinAdopted";
+
+
 struct State {
     SkinVersion version = SkinVersion::kV7;
     bool started = false;
@@ -159,7 +162,17 @@ void SkinManager::Apply()
     font.setStyleHint(QFont::SansSerif);
     QApplication::setFont(font);
     QApplication::setPalette(detail::BasePalette(s.version));
-    app->setStyleSheet(CurrentStyleSheet());
+    QString const sheet = CurrentStyleSheet();
+    for (QWidget *widget : QApplication::allWidgets()) {
+        if (widget->property(kAdoptedProperty).toBool()) widget->setStyleSheet(sheet);
+    }
+}
+
+void SkinManager::AdoptWidget(QWidget *widget)
+{
+    if (!widget) return;
+    widget->setProperty(kAdoptedProperty, true);
+    widget->setStyleSheet(CurrentStyleSheet());
 }
 
 void SkinManager::RegisterModuleInfo(ui::ModuleInfo *info, bool initializeIfStarted)
