@@ -4,7 +4,7 @@ set -euo pipefail
 packages=(
   cmake g++ pkg-config ccache
   qt6-base-dev qt6-tools-dev libqt6opengl6-dev libgl-dev
-  libexempi-dev libxml2-dev
+  libexempi-dev libxml2-dev zlib1g-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   fonts-dejavu-core libimage-exiftool-perl xdg-utils
 )
