@@ -3,6 +3,7 @@
 #include "Log_p.h"
 
 #include <deque>
+#include <mutex>
 
 namespace kivmetadata {
 namespace {
@@ -15,10 +16,18 @@ std::deque<ErrorInfo> &Errors()
     return errors;
 }
 
+// Files are read and saved on worker threads too.
+std::mutex &ErrorsLock()
+{
+    static std::mutex lock;
+    return lock;
+}
+
 } // namespace
 
 std::vector<ErrorInfo> GetErrorInfos()
 {
+    std::lock_guard guard(ErrorsLock());
     auto const &errors = Errors();
     return {errors.begin(), errors.end()};
 }
@@ -26,6 +35,7 @@ std::vector<ErrorInfo> GetErrorInfos()
 void AddErrorInfo(std::string description, std::string context)
 {
     qCDebug(lcKivMetadata, "%s (%s)", description.c_str(), context.c_str());
+    std::lock_guard guard(ErrorsLock());
     auto &errors = Errors();
     errors.push_back(ErrorInfo{std::move(description), std::move(context)});
     while (errors.size() > kMaxErrorInfos) errors.pop_front();
@@ -33,6 +43,7 @@ void AddErrorInfo(std::string description, std::string context)
 
 void ClearErrorInfos()
 {
+    std::lock_guard guard(ErrorsLock());
     Errors().clear();
 }
 

@@ -1,5 +1,6 @@
 #include <kivmetadata/XMPMeta.h>
 
+#include "PropertySnapshot_p.h"
 #include "XmpHandles_p.h"
 
 #include <kivmetadata/Definitions.h>
@@ -9,6 +10,7 @@
 #include <exempi/xmpconsts.h>
 
 #include <cstring>
+#include <map>
 
 namespace kivmetadata {
 
@@ -518,6 +520,65 @@ void AppendProperties(XMPMeta const &source, XMPMeta &dest, std::uint32_t option
         if (XMPMeta::NamespaceForPrefix(prefix) != ns) continue;
         MergeNode(source, dest, ns, path, options);
     }
+}
+
+void ReplaceProperty(XMPMeta const &source, XMPMeta &dest, std::string const &ns, std::string const &path)
+{
+    dest.DeleteProperty(ns, path);
+    if (source.DoesPropertyExist(ns, path)) CopySubtree(source, dest, ns, path);
+}
+
+namespace detail {
+
+PropertySnapshot TakeSnapshot(XMPMeta const &meta)
+{
+    PropertySnapshot signatures;
+    std::string *current = nullptr;
+    std::string currentNs, currentTop;
+    meta.Iterate([&](XMPMeta::Node const &node) {
+        if (node.mOptions & XMPMeta::kPropIsSchemaNode) return true;
+        std::size_t const end = node.mPath.find_first_of("/[");
+        std::string_view const top = std::string_view(node.mPath).substr(0, end);
+        if (!current || node.mNamespace != currentNs || top != currentTop) {
+            currentNs = node.mNamespace;
+            currentTop = std::string(top);
+            current = &signatures[Path{currentNs, currentTop}];
+        }
+        *current += node.mPath;
+        *current += '\x1f';
+        *current += node.mValue;
+        *current += '\x1f';
+        *current += std::to_string(node.mOptions);
+        *current += '\x1e';
+        return true;
+    });
+    return signatures;
+}
+
+std::vector<Path> Differences(PropertySnapshot const &a, PropertySnapshot const &b)
+{
+    std::vector<Path> changed;
+    auto i = a.begin();
+    auto j = b.begin();
+    while (i != a.end() || j != b.end()) {
+        if (j == b.end() || (i != a.end() && i->first < j->first)) {
+            changed.push_back((i++)->first);
+        } else if (i == a.end() || j->first < i->first) {
+            changed.push_back((j++)->first);
+        } else {
+            if (i->second != j->second) changed.push_back(i->first);
+            ++i;
+            ++j;
+        }
+    }
+    return changed;
+}
+
+} // namespace detail
+
+std::vector<Path> ChangedProperties(XMPMeta const &before, XMPMeta const &after)
+{
+    return detail::Differences(detail::TakeSnapshot(before), detail::TakeSnapshot(after));
 }
 
 } // namespace kivmetadata

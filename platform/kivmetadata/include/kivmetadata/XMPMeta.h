@@ -1,5 +1,6 @@
 #pragma once
 
+#include <kivmetadata/Path.h>
 #include <kivmetadata/kivmetadata_export.h>
 
 #include <cstdint>
@@ -127,5 +128,14 @@ KIVMETADATA_EXPORT void RemoveProperties(XMPMeta &meta, std::string const &ns, s
 // kUtilReplaceOldValues; otherwise structs are merged field by field, arrays
 // get the source items they lack appended, and simple values are kept.
 KIVMETADATA_EXPORT void AppendProperties(XMPMeta const &source, XMPMeta &dest, std::uint32_t options);
+
+// Makes the top-level property `path` of `dest` a copy of the one in `source`
+// (values, qualifiers and forms), or removes it when `source` lacks it.
+KIVMETADATA_EXPORT void ReplaceProperty(XMPMeta const &source, XMPMeta &dest, std::string const &ns,
+                                        std::string const &path);
+// The top-level properties whose subtree differs in any node, value, option
+// or qualifier between `before` and `after`, those present in only one of
+// them included; in namespace and path order.
+KIVMETADATA_EXPORT std::vector<Path> ChangedProperties(XMPMeta const &before, XMPMeta const &after);
 
 } // namespace kivmetadata
