@@ -20,6 +20,7 @@
 #include <QTemporaryDir>
 #include <QTextStream>
 
+#include <csignal>
 #include <cstdio>
 #include <memory>
 
@@ -74,12 +75,14 @@ QString CopySample(QTemporaryDir &folder, QString &error)
     return copy;
 }
 
-bool OpenFiles(QStringList const &files, std::vector<std::shared_ptr<kivmetadata::FileMetaDataProvider>> &providers,
-               QString &error)
+bool OpenFiles(QStringList const &files, bool sidecar,
+               std::vector<std::shared_ptr<kivmetadata::FileMetaDataProvider>> &providers, QString &error)
 {
+    kivmetadata::FileOpenOptions options;
+    options.mUseSidecar = sidecar;
     for (QString const &file : files) {
         std::string openError;
-        auto provider = kivmetadata::FileMetaDataProvider::Open(file.toStdU16String(), &openError);
+        auto provider = kivmetadata::FileMetaDataProvider::Open(file.toStdU16String(), &openError, options);
         if (!provider) {
             error = QStringLiteral("cannot open %1: %2").arg(file, QString::fromStdString(openError));
             return false;
@@ -100,6 +103,10 @@ int Run(int argc, char **argv)
 {
     QTextStream out(stdout);
     QTextStream err(stderr);
+
+    // A file-size limit must fail a write, not kill the process halfway
+    // through a save and leave a temporary file behind.
+    std::signal(SIGXFSZ, SIG_IGN);
 
     QStringList arguments;
     for (int i = 1; i < argc; ++i)
@@ -134,7 +141,7 @@ int Run(int argc, char **argv)
 
     if (line.IsBatch()) {
         int status = 0;
-        if (!line.mEdits.empty()) status = RunEdits(line.mFiles, line.mEdits, err);
+        if (!line.mEdits.empty()) status = RunEdits(line.mFiles, line.mEdits, line.mSidecar, err, out);
         err.flush();
         if (status == 0 && !line.mDumpFiles.isEmpty()) status = RunDumps(line.mDumpFiles, out, err);
         return status;
@@ -162,7 +169,7 @@ int Run(int argc, char **argv)
 
     std::vector<std::shared_ptr<kivmetadata::FileMetaDataProvider>> providers;
     QString openError;
-    if (!OpenFiles(files, providers, openError)) {
+    if (!OpenFiles(files, line.mSidecar, providers, openError)) {
         err << "kivmeta: " << openError << '\n';
         err.flush();
         if (!line.mScreenshotDir) {

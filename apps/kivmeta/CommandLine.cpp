@@ -52,6 +52,8 @@ bool ParseCommandLine(QStringList const &args, CommandLine &line, QString &error
             onlyFiles = true;
         } else if (arg == u"-h" || arg == u"--help") {
             line.mHelp = true;
+        } else if (arg == u"--sidecar") {
+            line.mSidecar = true;
         } else if (arg == u"--version") {
             line.mVersion = true;
         } else if (Matches(arg, QStringLiteral("--screenshot"))) {
@@ -112,9 +114,16 @@ QString UsageText()
                           "                          behaviour when no display is available)\n"
                           "  --set PREFIX:Name=VALUE set a property in every FILE (repeatable)\n"
                           "  --delete PREFIX:Name    remove a property from every FILE (repeatable)\n"
+                          "  --sidecar               with --set/--delete, and in the window: keep the\n"
+                          "                          metadata in NAME.xmp beside each file instead of\n"
+                          "                          in the file\n"
                           "  --dump FILE             print every property of FILE as PREFIX:Path=value\n"
                           "  --version               print the library version\n"
                           "  -h, --help              print this help\n"
+                          "\n"
+                          "Saving changes only the edited properties (and xmp:MetadataDate); a file that\n"
+                          "cannot be written exactly so is refused and left as it was. With several files,\n"
+                          "every file that can be is saved, and the refused ones are listed at the end.\n"
                           "\n"
                           "Exit status: 0 on success, 1 when a value is refused or a file cannot be\n"
                           "read or written (files are then left as they were), 2 on a usage error.\n");

@@ -21,6 +21,7 @@ struct CommandLine {
     std::optional<QString> mScreenshotDir;
     std::vector<PropertyEdit> mEdits;
     QStringList mDumpFiles;
+    bool mSidecar = false; // keep the metadata in NAME.xmp beside each file
     bool mHelp = false;
     bool mVersion = false;
 

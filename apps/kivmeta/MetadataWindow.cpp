@@ -17,6 +17,7 @@
 #include <QDialogButtonBox>
 #include <QEvent>
 #include <QFileInfo>
+#include <QLabel>
 #include <QPushButton>
 #include <QTabWidget>
 #include <QTimer>
@@ -100,6 +101,22 @@ MetadataWindow::MetadataWindow(std::vector<std::shared_ptr<kivmetadata::FileMeta
 
     auto *central = new QWidget(this);
     auto *layout = new QVBoxLayout(central);
+    // Files that cannot be written say so before anything is edited.
+    QStringList readOnly;
+    for (std::size_t i = 0; i < d->mFiles.size(); ++i) {
+        if (!d->mFiles[i]->IsWritable())
+            readOnly << QStringLiteral("%1 is read-only: %2.")
+                            .arg(d->mNames.value(int(i)), QString::fromStdString(d->mFiles[i]->ReadOnlyReason()));
+    }
+    if (!readOnly.isEmpty()) {
+        auto *banner = new QLabel(readOnly.join(u'\n'), central);
+        banner->setObjectName(QStringLiteral("readOnlyBanner"));
+        banner->setWordWrap(true);
+        banner->setFrameShape(QFrame::StyledPanel);
+        banner->setMargin(6);
+        banner->setAccessibleName(QStringLiteral("Read-only files"));
+        layout->addWidget(banner);
+    }
     d->mTabs = new QTabWidget(central);
     d->mTabs->setDocumentMode(false);
     layout->addWidget(d->mTabs, 1);
@@ -212,6 +229,7 @@ void MetadataWindow::OnCurrentChanged(int index)
 bool MetadataWindow::Commit()
 {
     d->mSaveErrors.clear();
+    QStringList notices;
     for (std::size_t i = 0; i < d->mFiles.size(); ++i) {
         kivmetadata::FileMetaDataProvider &file = *d->mFiles[i];
         QString const path = QString::fromStdU16String(file.FilePath());
@@ -221,6 +239,15 @@ bool MetadataWindow::Commit()
         std::string saveError;
         if (reason.isEmpty() && !file.Save(&saveError)) reason = QString::fromStdString(saveError);
         if (!reason.isEmpty()) d->mSaveErrors << QStringLiteral("%1: %2").arg(d->mNames.value(int(i), path), reason);
+        for (std::string const &notice : file.SaveNotices())
+            notices << QStringLiteral("%1: %2").arg(d->mNames.value(int(i), path), QString::fromStdString(notice));
+    }
+    if (!notices.isEmpty()) {
+        QString const message = QStringLiteral("Another program changed these files while they were open. Its "
+                                               "changes were kept, except where you edited the same property:\n\n%1")
+                                    .arg(notices.join(u'\n'));
+        kivui::messagebox::ShowNote(d->mSupplier.get(), "$$$/kivmeta/ChangedMeanwhile/title=Files Changed Meanwhile",
+                                 message.toStdU16String());
     }
     if (d->mSaveErrors.isEmpty()) return true;
     QString message = QStringLiteral("These files could not be saved and were left as they were; your edits "

@@ -18,7 +18,6 @@
 #include <kivmetadataui/Control.h>
 #include <kivmetadataui/ControlFactory.h>
 #include <kivmetadataui/DateTimeString.h>
-#include <kivmetadataui/MetadataProviderWrapper.h>
 #include <kivmetadataui/UI_DateTextEdit.h>
 
 #include <kivcore/Localizer.h>
@@ -37,7 +36,13 @@
 #include <QRegularExpression>
 #include <QTextStream>
 
+#include <atomic>
 #include <cmath>
+#include <functional>
+#include <mutex>
+#include <thread>
+
+#include <unistd.h>
 
 namespace kivmeta {
 
@@ -362,7 +367,7 @@ bool ApplyEdit(std::shared_ptr<kivmetadata::MetaDataProvider> const &provider, k
 
 QString WriteRefusalReason(kivmetadata::FileMetaDataProvider const &provider)
 {
-    if (!provider.IsWritable()) return QStringLiteral("its metadata could not be read, so it is not rewritten");
+    if (!provider.IsWritable()) return Q(provider.ReadOnlyReason());
     std::u16string const &target = provider.SidecarPath().empty() ? provider.FilePath() : provider.SidecarPath();
     QFileInfo info(Q(target));
     if (info.exists()) {
@@ -374,7 +379,59 @@ QString WriteRefusalReason(kivmetadata::FileMetaDataProvider const &provider)
     return {};
 }
 
-int RunEdits(QStringList const &files, std::vector<PropertyEdit> const &edits, QTextStream &err)
+namespace {
+
+// Runs `work(i)` for i in [0, count) on every core; `done` is called on the
+// calling thread's behalf after each item, under a lock.
+void ForEachInParallel(std::size_t count, std::function<void(std::size_t)> const &work,
+                       std::function<void(std::size_t)> const &done)
+{
+    std::atomic<std::size_t> next{0};
+    std::mutex lock;
+    std::size_t finished = 0;
+    auto worker = [&] {
+        for (std::size_t i = next++; i < count; i = next++) {
+            work(i);
+            std::lock_guard guard(lock);
+            done(++finished);
+        }
+    };
+    std::size_t const threads = std::min<std::size_t>(count, std::max(1u, std::thread::hardware_concurrency()));
+    std::vector<std::thread> pool;
+    for (std::size_t t = 1; t < threads; ++t) pool.emplace_back(worker);
+    worker();
+    for (auto &thread : pool) thread.join();
+}
+
+// A progress line that rewrites itself on a terminal and says nothing
+// otherwise.
+class Progress {
+public:
+    Progress(QTextStream &err, QString verb, std::size_t total)
+        : mErr(err), mVerb(std::move(verb)), mTotal(total), mShown(total > 1 && ::isatty(STDERR_FILENO))
+    {
+    }
+    void Update(std::size_t done)
+    {
+        if (!mShown) return;
+        mErr << "\rkivmeta: " << mVerb << ' ' << done << " of " << mTotal << " files" << Qt::flush;
+    }
+    void Finish()
+    {
+        if (mShown) mErr << '\n' << Qt::flush;
+    }
+
+private:
+    QTextStream &mErr;
+    QString mVerb;
+    std::size_t mTotal;
+    bool mShown;
+};
+
+} // namespace
+
+int RunEdits(QStringList const &files, std::vector<PropertyEdit> const &edits, bool sidecar, QTextStream &err,
+             QTextStream &out)
 {
     // Resolve every name first: a typo must not leave some files edited.
     for (PropertyEdit const &edit : edits) {
@@ -385,50 +442,74 @@ int RunEdits(QStringList const &files, std::vector<PropertyEdit> const &edits, Q
         }
     }
 
-    std::vector<std::shared_ptr<kivmetadata::FileMetaDataProvider>> providers;
-    for (QString const &file : files) {
-        std::string openError;
-        auto provider = kivmetadata::FileMetaDataProvider::Open(file.toStdU16String(), &openError);
-        if (!provider) {
-            err << "kivmeta: cannot open " << file << ": " << Q(openError) << ". No file was changed.\n";
-            return 1;
-        }
-        if (QString reason = WriteRefusalReason(*provider); !reason.isEmpty()) {
-            err << "kivmeta: cannot write " << file << ": " << reason << ". No file was changed.\n";
-            return 1;
-        }
-        providers.push_back(std::move(provider));
+    std::size_t const count = std::size_t(files.size());
+    std::vector<std::shared_ptr<kivmetadata::FileMetaDataProvider>> opened(count);
+    std::vector<QString> refused(count);
+    kivmetadata::FileOpenOptions options;
+    options.mImportLegacy = false; // only the edited properties matter here
+    options.mUseSidecar = sidecar;
+    {
+        Progress progress(err, QStringLiteral("read"), count);
+        ForEachInParallel(count, [&](std::size_t i) {
+            std::string openError;
+            auto provider = kivmetadata::FileMetaDataProvider::Open(files[qsizetype(i)].toStdU16String(), &openError,
+                                                                    options);
+            if (!provider) {
+                refused[i] = Q(openError);
+            } else if (!provider->IsWritable()) {
+                refused[i] = Q(provider->ReadOnlyReason());
+            } else if (QString reason = WriteRefusalReason(*provider); !reason.isEmpty()) {
+                refused[i] = reason;
+            } else {
+                opened[i] = std::move(provider);
+            }
+        }, [&](std::size_t done) { progress.Update(done); });
+        progress.Finish();
     }
 
-    std::vector<std::shared_ptr<kivmetadataui::MetadataProviderWrapper>> wrappers;
     std::vector<std::shared_ptr<kivmetadata::MetaDataProvider>> assets;
-    for (auto const &provider : providers) {
-        auto wrapper = std::make_shared<kivmetadataui::MetadataProviderWrapper>(provider);
-        wrappers.push_back(wrapper);
-        assets.push_back(wrapper);
-    }
-    std::shared_ptr<kivmetadata::MetaDataProvider> target =
-        assets.size() == 1 ? assets.front() : std::make_shared<kivmetadata::MultiMetaDataProvider>(assets);
-
-    IntrusivePtr<kivui::UI_SubView> parent(new kivui::UI_SubView());
-    for (PropertyEdit const &edit : edits) {
-        QString error;
-        if (!ApplyEdit(target, parent.get(), edit, error)) {
-            err << "kivmeta: " << error << ". No file was changed.\n";
-            return 1;
+    for (auto const &provider : opened)
+        if (provider) assets.push_back(provider);
+    if (!assets.empty()) {
+        std::shared_ptr<kivmetadata::MetaDataProvider> target =
+            assets.size() == 1 ? assets.front() : std::make_shared<kivmetadata::MultiMetaDataProvider>(assets);
+        IntrusivePtr<kivui::UI_SubView> parent(new kivui::UI_SubView());
+        for (PropertyEdit const &edit : edits) {
+            QString error;
+            if (!ApplyEdit(target, parent.get(), edit, error)) {
+                err << "kivmeta: " << error << ". No file was changed.\n";
+                return 1;
+            }
         }
+        Progress progress(err, QStringLiteral("saved"), count);
+        ForEachInParallel(count, [&](std::size_t i) {
+            if (!opened[i]) return;
+            std::string saveError;
+            if (!opened[i]->Save(&saveError)) refused[i] = Q(saveError);
+        }, [&](std::size_t done) { progress.Update(done); });
+        progress.Finish();
     }
 
     int status = 0;
-    for (std::size_t i = 0; i < providers.size(); ++i) {
-        wrappers[i]->CommitChanges();
-        std::string saveError;
-        if (!providers[i]->Save(&saveError)) {
-            err << "kivmeta: cannot write " << files[int(i)] << ": " << Q(saveError)
-                << ". The file was left as it was.\n";
-            status = 1;
+    std::size_t failures = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        QString const &file = files[qsizetype(i)];
+        if (opened[i] && refused[i].isEmpty()) {
+            for (std::string const &notice : opened[i]->SaveNotices()) err << "kivmeta: " << file << ": " << Q(notice) << '\n';
+            if (!opened[i]->SidecarPath().empty()) out << "kivmeta: wrote " << Q(opened[i]->SidecarPath()) << '\n';
         }
     }
+    for (std::size_t i = 0; i < count; ++i) {
+        if (refused[i].isEmpty()) continue;
+        QString reason = refused[i];
+        while (reason.endsWith(u'.')) reason.chop(1);
+        if (!reason.isEmpty()) reason[0] = reason[0].toLower();
+        err << "kivmeta: cannot write " << files[qsizetype(i)] << ": " << reason << ". The file was left as it was.\n";
+        ++failures;
+        status = 1;
+    }
+    if (failures && count > 1) err << "kivmeta: " << failures << " of " << count << " files were not changed.\n";
+    out.flush();
     return status;
 }
 
@@ -444,8 +525,8 @@ int RunDumps(QStringList const &files, QTextStream &out, QTextStream &err)
             continue;
         }
         if (!provider->IsWritable()) {
-            err << "kivmeta: the XMP packet of " << file << " could not be read completely; showing what was read\n";
-            status = 1;
+            err << "kivmeta: " << file << " is read-only: " << Q(provider->ReadOnlyReason()) << "\n";
+            if (!provider->IsComplete()) status = 1;
         }
         if (files.size() > 1) out << "==> " << file << " <==\n";
         kivmetadata::MetaDataReadAccess access(provider);

@@ -42,12 +42,15 @@ bool ApplyEdit(std::shared_ptr<kivmetadata::MetaDataProvider> const &inProvider,
 // so that marking a file read-only protects it.
 QString WriteRefusalReason(kivmetadata::FileMetaDataProvider const &inProvider);
 
-// Opens the files, applies the edits through one provider wrapper per file
-// (and a multi-asset provider over them for several files), commits and saves
-// every file. Nothing is saved when any edit is refused; a file that fails to
-// save is left as it was and the others are still saved. Messages go to
-// `err`. Returns the process exit status (0 or 1).
-int RunEdits(QStringList const &inFiles, std::vector<PropertyEdit> const &inEdits, QTextStream &err);
+// Opens the files (on every core), applies the edits through one provider
+// (a multi-asset provider over all files), and saves every file. Nothing is
+// saved when any edit is refused. A file that cannot be opened, written or
+// saved exactly is left as it was, the others are still saved, and every
+// refused file is listed at the end with its reason. With `inSidecar` the
+// metadata goes to NAME.xmp beside each file, and each one written is named
+// on `out`. Returns the process exit status (0 or 1).
+int RunEdits(QStringList const &inFiles, std::vector<PropertyEdit> const &inEdits, bool inSidecar, QTextStream &err,
+             QTextStream &out);
 
 // Prints DumpLines of each file to `out`, preceded by "==> FILE <==" when
 // there are several. Returns the exit status.
