@@ -20,7 +20,10 @@ function(kiv_add_library name)
   target_compile_options(${name} PRIVATE -Wall -Wextra -Werror)
   set_target_properties(${name} PROPERTIES
     VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
-    EXPORT_NAME ${name})
+    EXPORT_NAME ${name}
+    # Installed, each library finds the others beside it (a run path is not
+    # inherited from the executable).
+    INSTALL_RPATH "$ORIGIN")
   install(TARGETS ${name} EXPORT kivmetadatauiTargets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}

@@ -15,3 +15,15 @@ run(${CMAKE_COMMAND} -E env LD_LIBRARY_PATH=${prefix}/lib:${prefix}/lib64 QT_QPA
 if(NOT last_output MATCHES "consumer ok")
   message(FATAL_ERROR "unexpected output: ${last_output}")
 endif()
+
+# The installed application starts from its prefix without help, and edits a
+# file there. The CMAKE_INSTALL_PREFIX the build was configured with is not
+# used: the run path must be relative.
+file(WRITE ${WORK_DIR}/note.xmp "")
+run(${CMAKE_COMMAND} -E env --unset=LD_LIBRARY_PATH QT_QPA_PLATFORM=offscreen
+    ${prefix}/bin/kivmeta --set dc:title=Installed ${WORK_DIR}/note.xmp)
+run(${CMAKE_COMMAND} -E env --unset=LD_LIBRARY_PATH QT_QPA_PLATFORM=offscreen
+    ${prefix}/bin/kivmeta --dump ${WORK_DIR}/note.xmp)
+if(NOT last_output MATCHES "Installed")
+  message(FATAL_ERROR "the installed kivmeta did not edit the file: ${last_output}")
+endif()
