@@ -7,6 +7,8 @@ packages=(
   libexempi-dev libxml2-dev zlib1g-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   fonts-dejavu-core libimage-exiftool-perl xdg-utils
+  # the lossless-saving corpus (tests/kivmeta): sample files and encoders, < 3 MB
+  python3 golang-github-rwcarlsen-goexif-dev libopenjp2-tools libheif-examples libavif-bin
 )
 missing=()
 for p in "${packages[@]}"; do

@@ -96,11 +96,15 @@ Outcome RunKivmeta(QStringList const &arguments)
     return run;
 }
 
+// The lines of a dump or of exiftool's output, without the metadata date,
+// which every save sets.
 std::set<QString> Lines(QString const &text)
 {
     std::set<QString> lines;
-    for (QString const &line : text.split(u'\n', Qt::SkipEmptyParts))
-        lines.insert(line);
+    for (QString const &line : text.split(u'\n', Qt::SkipEmptyParts)) {
+        if (!line.startsWith(QLatin1String("xmp:MetadataDate=")) && !line.simplified().contains(QLatin1String("] MetadataDate :")))
+            lines.insert(line);
+    }
     return lines;
 }
 
