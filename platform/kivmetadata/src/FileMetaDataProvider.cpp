@@ -237,8 +237,13 @@ std::shared_ptr<FileMetaDataProvider> FileMetaDataProvider::Open(std::u16string 
     if (malformed) {
         // Show nothing rather than a partial copy, and never write over it.
         *d.mMeta = XMPMeta();
-        d.mComplete = false;
-        d.MakeReadOnly("its XMP packet is malformed (" + message + "), so it is opened read-only");
+        if (d.mStored.mStorage == Storage::kReadOnly) {
+            // What scanning found is not a packet: nothing to show.
+            d.MakeReadOnly(d.mStored.mReadOnlyReason + "; what was found is not a readable XMP packet");
+        } else {
+            d.mComplete = false;
+            d.MakeReadOnly("its XMP packet is malformed (" + message + "), so it is opened read-only");
+        }
     }
     d.mStoredSnapshot = TakeSnapshot(*d.mMeta);
     if (options.mImportLegacy && !isSidecarFile && !malformed) {

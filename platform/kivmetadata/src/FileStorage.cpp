@@ -233,10 +233,14 @@ bool ReplaceFileChecked(ReplaceRequest const &request, std::string &error)
         error = "no temporary file can be made in the folder (" + temp.errorString().toStdString() + ")";
         return false;
     }
+    // Qt does not always keep the system's reason for a failed write.
     auto writeFailed = [&](QString const &reason) {
-        error = "the new file could not be written (" + reason.toStdString() + "); the disk may be full";
+        int const code = errno;
+        std::string const why = code != 0 ? std::strerror(code) : reason.toStdString();
+        error = "the new file could not be written (" + why + "); the disk may be full";
         return false;
     };
+    errno = 0;
     if (!request.mCopyFrom.isEmpty()) {
         QFile source(request.mCopyFrom);
         if (!source.open(QIODevice::ReadOnly)) {
