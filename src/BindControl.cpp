@@ -1,6 +1,8 @@
 #include <kivmetadataui/BindControl.h>
 
-#include "ControlFactory_p.h"
+#include "BindControl_p.h"
+
+#include <kivmetadataui/ControlKind.h>
 
 #include <kivmetadataui/DateTimeString.h>
 #include <kivmetadataui/UI_DateTextEdit.h>
@@ -20,6 +22,7 @@
 #include <kivmetadata/Value.h>
 #include <kivmetadata/ValueAccess.h>
 #include <kivui/Message.h>
+#include <kivui/PrefManager.h>
 #include <kivui/UI_AutoCompleteTextEdit.h>
 #include <kivui/UI_Checkbox.h>
 #include <kivui/UI_DragableTextEdit.h>
@@ -30,6 +33,7 @@
 #include <kivui/UI_TextEdit.h>
 #include <kivui/UI_URLEdit.h>
 
+#include <QStringList>
 #include <QVariant>
 #include <QWidget>
 
@@ -37,6 +41,7 @@
 #include <cstdint>
 #include <limits>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace kivmetadataui {
@@ -49,9 +54,15 @@ using kivmetadata::GetValueResult;
 using kivmetadata::MetaDataReadAccess;
 using kivmetadata::MetaDataUpdateAccess;
 using kivmetadata::Path;
+using kivmetadata::PropertyDefinition;
 using kivmetadata::Value;
 
 constexpr char kUnit[] = "src/BindControl";
+constexpr char kAutoCompletionPreference[] = "enableAutoCompletion";
+constexpr char kChoiceRawProperty[] = "kivChoiceRawValues";
+constexpr char kChoiceDisplayProperty[] = "kivChoiceDisplays";
+
+std::optional<bool> sAutoCompletionEnabled;
 constexpr char kEditTextMultipleValues[] =
     "$$$/kivmetadataui/UpdateControl/EditText/MultipleValuesDisplayString=<Multiple Values>";
 constexpr char kStaticTextMultipleValues[] =
@@ -535,49 +546,127 @@ void Disconnect(std::shared_ptr<std::function<void(kivui::Message *)>> const &in
     if (inMessageHandler2 && *inMessageHandler2) *inMessageHandler2 = nullptr;
 }
 
+// ---------------------------------------------------------------- helpers
+
+bool IsPropertySupportedForWriting(Path const &inPath)
+{
+    const auto definition = kivmetadata::PathEntryDefinition(inPath);
+    KIV_ASSERT("src/ControlFactory", "kivmetadataui::IsPropertySupportedForWriting", definition);
+    if (!definition) return false;
+    // Deliberately only this type: its text form is not safe to edit.
+    return definition->mTypeId != "rational";
+}
+
+std::u16string LocalizeIfKey(std::string const &inText)
+{
+    if (inText.rfind("$$$/", 0) == 0) return kivcore::config::Localizer::Localize(inText);
+    return Utf8ToUtf16(inText);
+}
+
+std::u16string ChoiceDisplayFromRawValue(std::shared_ptr<PropertyDefinition> const &inDefinition,
+                                         std::string const &inRawValue)
+{
+    KIV_ASSERT("src/BindControl", "kivmetadataui::ChoiceDisplayFromRawValue", inDefinition);
+    if (!inDefinition) return Utf8ToUtf16(inRawValue);
+    const std::vector<kivmetadata::Choice> choices = kivmetadata::DefinitionChoices(*inDefinition);
+    for (auto const &choice : choices) {
+        if (choice.mRawValue == inRawValue) return LocalizeIfKey(choice.mDisplay);
+    }
+    return Utf8ToUtf16(inRawValue);
+}
+
+void SetChoiceData(kivui::UI_ControlView &inControl, std::vector<kivmetadata::Choice> const &inChoices)
+{
+    QWidget *widget = inControl.UI_GetWidget();
+    if (!widget) return;
+    QStringList raw, display;
+    for (auto const &choice : inChoices) {
+        raw.push_back(QString::fromStdString(choice.mRawValue));
+        display.push_back(QString::fromStdString(choice.mDisplay));
+    }
+    widget->setProperty(kChoiceRawProperty, raw);
+    widget->setProperty(kChoiceDisplayProperty, display);
+}
+
+std::optional<std::vector<kivmetadata::Choice>> GetChoiceData(kivui::UI_ControlView const &inControl)
+{
+    QWidget const *widget = inControl.UI_GetWidget();
+    if (!widget) return std::nullopt;
+    const QVariant raw = widget->property(kChoiceRawProperty);
+    if (!raw.isValid()) return std::nullopt;
+    const QStringList rawValues = raw.toStringList();
+    const QStringList displays = widget->property(kChoiceDisplayProperty).toStringList();
+    std::vector<kivmetadata::Choice> choices;
+    choices.reserve(static_cast<std::size_t>(rawValues.size()));
+    for (qsizetype i = 0; i < rawValues.size(); ++i)
+        choices.push_back({rawValues[i].toStdString(), i < displays.size() ? displays[i].toStdString() : std::string()});
+    return choices;
+}
+
+bool IsAutoCompletionEnabled()
+{
+    if (sAutoCompletionEnabled) return *sAutoCompletionEnabled;
+    if (auto *prefs = kivui::utility::PrefManager::GetPrefManager())
+        return prefs->GetBool(kAutoCompletionPreference).value_or(true);
+    return true;
+}
+
+void SetAutoCompletionEnabled(bool inEnabled)
+{
+    sAutoCompletionEnabled = inEnabled;
+}
+
+std::string MRUKeyForPath(Path const &inPath)
+{
+    return inPath.mPath;
+}
+
 // ---------------------------------------------------------------- any kind
+
+std::optional<ControlKind> KindOfControl(kivui::UI_ControlView const *inControl)
+{
+    // The one place that tells kinds apart; most derived first, since
+    // several derive from UI_TextEdit.
+    if (!inControl) return std::nullopt;
+    if (dynamic_cast<UI_DateTextEdit const *>(inControl)) return ControlKind::kDateText;
+    if (dynamic_cast<kivui::UI_AutoCompleteTextEdit const *>(inControl)) return ControlKind::kAutoCompleteText;
+    if (dynamic_cast<kivui::UI_URLEdit const *>(inControl)) return ControlKind::kURL;
+    if (dynamic_cast<kivui::UI_DragableTextEdit const *>(inControl)) return ControlKind::kDragableText;
+    if (dynamic_cast<kivui::UI_TextEdit const *>(inControl)) return ControlKind::kText;
+    if (dynamic_cast<kivui::UI_StaticText const *>(inControl)) return ControlKind::kStaticText;
+    if (dynamic_cast<kivui::UI_Checkbox const *>(inControl)) return ControlKind::kCheckbox;
+    if (dynamic_cast<kivui::UI_Popup const *>(inControl)) return ControlKind::kPopup;
+    if (dynamic_cast<kivui::UI_HotTextNumber const *>(inControl)) return ControlKind::kNumber;
+    if (dynamic_cast<kivui::UI_StarRating const *>(inControl)) return ControlKind::kRating;
+    return std::nullopt;
+}
+
+void UpdateControlOfKind(Value const &inValue, ControlKind inKind, kivui::UI_ControlView *inControl)
+{
+    VisitControl(inKind, inControl, [&inValue](auto *inConcrete) {
+        UpdateControl(inValue, ControlPtr<std::remove_pointer_t<decltype(inConcrete)>>(inConcrete));
+    });
+}
+
+void UpdateValueOfKind(Value const &inValue, ControlKind inKind, kivui::UI_ControlView *inControl)
+{
+    VisitControl(inKind, inControl, [&inValue](auto *inConcrete) {
+        UpdateValue(inValue, ControlPtr<std::remove_pointer_t<decltype(inConcrete)>>(inConcrete));
+    });
+}
 
 bool UpdateControlOfAnyKind(Value const &inValue, kivui::UI_ControlView *inControl)
 {
-    if (!inControl) return false;
-    // Most derived kinds first: several derive from UI_TextEdit.
-    if (auto *c = dynamic_cast<UI_DateTextEdit *>(inControl)) UpdateControl(inValue, ControlPtr<UI_DateTextEdit>(c));
-    else if (auto *c = dynamic_cast<kivui::UI_AutoCompleteTextEdit *>(inControl))
-        UpdateControl(inValue, ControlPtr<kivui::UI_AutoCompleteTextEdit>(c));
-    else if (auto *c = dynamic_cast<kivui::UI_URLEdit *>(inControl)) UpdateControl(inValue, ControlPtr<kivui::UI_URLEdit>(c));
-    else if (auto *c = dynamic_cast<kivui::UI_DragableTextEdit *>(inControl))
-        UpdateControl(inValue, ControlPtr<kivui::UI_DragableTextEdit>(c));
-    else if (auto *c = dynamic_cast<kivui::UI_TextEdit *>(inControl)) UpdateControl(inValue, ControlPtr<kivui::UI_TextEdit>(c));
-    else if (auto *c = dynamic_cast<kivui::UI_StaticText *>(inControl))
-        UpdateControl(inValue, ControlPtr<kivui::UI_StaticText>(c));
-    else if (auto *c = dynamic_cast<kivui::UI_Checkbox *>(inControl)) UpdateControl(inValue, ControlPtr<kivui::UI_Checkbox>(c));
-    else if (auto *c = dynamic_cast<kivui::UI_Popup *>(inControl)) UpdateControl(inValue, ControlPtr<kivui::UI_Popup>(c));
-    else if (auto *c = dynamic_cast<kivui::UI_HotTextNumber *>(inControl))
-        UpdateControl(inValue, ControlPtr<kivui::UI_HotTextNumber>(c));
-    else if (auto *c = dynamic_cast<kivui::UI_StarRating *>(inControl))
-        UpdateControl(inValue, ControlPtr<kivui::UI_StarRating>(c));
-    else return false;
-    return true;
+    std::optional<ControlKind> const kind = KindOfControl(inControl);
+    if (kind) UpdateControlOfKind(inValue, *kind, inControl);
+    return kind.has_value();
 }
 
 bool UpdateValueOfAnyKind(Value const &inValue, kivui::UI_ControlView *inControl)
 {
-    if (!inControl) return false;
-    if (auto *c = dynamic_cast<UI_DateTextEdit *>(inControl)) UpdateValue(inValue, ControlPtr<UI_DateTextEdit>(c));
-    else if (auto *c = dynamic_cast<kivui::UI_AutoCompleteTextEdit *>(inControl))
-        UpdateValue(inValue, ControlPtr<kivui::UI_AutoCompleteTextEdit>(c));
-    else if (auto *c = dynamic_cast<kivui::UI_URLEdit *>(inControl)) UpdateValue(inValue, ControlPtr<kivui::UI_URLEdit>(c));
-    else if (auto *c = dynamic_cast<kivui::UI_DragableTextEdit *>(inControl))
-        UpdateValue(inValue, ControlPtr<kivui::UI_DragableTextEdit>(c));
-    else if (auto *c = dynamic_cast<kivui::UI_TextEdit *>(inControl)) UpdateValue(inValue, ControlPtr<kivui::UI_TextEdit>(c));
-    else if (auto *c = dynamic_cast<kivui::UI_StaticText *>(inControl)) UpdateValue(inValue, ControlPtr<kivui::UI_StaticText>(c));
-    else if (auto *c = dynamic_cast<kivui::UI_Checkbox *>(inControl)) UpdateValue(inValue, ControlPtr<kivui::UI_Checkbox>(c));
-    else if (auto *c = dynamic_cast<kivui::UI_Popup *>(inControl)) UpdateValue(inValue, ControlPtr<kivui::UI_Popup>(c));
-    else if (auto *c = dynamic_cast<kivui::UI_HotTextNumber *>(inControl))
-        UpdateValue(inValue, ControlPtr<kivui::UI_HotTextNumber>(c));
-    else if (auto *c = dynamic_cast<kivui::UI_StarRating *>(inControl)) UpdateValue(inValue, ControlPtr<kivui::UI_StarRating>(c));
-    else return false;
-    return true;
+    std::optional<ControlKind> const kind = KindOfControl(inControl);
+    if (kind) UpdateValueOfKind(inValue, *kind, inControl);
+    return kind.has_value();
 }
 
 } // namespace kivmetadataui

@@ -2,6 +2,8 @@
 
 #include "ControlFactory_p.h"
 
+#include <kivmetadataui/ControlKind.h>
+
 #include <kivmetadataui/BindControl.h>
 #include <kivmetadataui/Control.h>
 #include <kivmetadataui/ControlCreator.h>
@@ -53,22 +55,18 @@ using kivmetadata::ViewItem;
 
 constexpr char kUnit[] = "src/ControlFactory";
 constexpr char kTooltipKey[] = "$$$/metadataui/view/tooltip/LabelAndDescription=@0 :: @1";
-constexpr char kAutoCompletionPreference[] = "enableAutoCompletion";
-constexpr char kChoiceRawProperty[] = "kivChoiceRawValues";
-constexpr char kChoiceDisplayProperty[] = "kivChoiceDisplays";
 constexpr char kDateNodeID[] = "metadata_view";
 constexpr char kReadOnlySuffix[] = ", read_only";
 constexpr int kPopupEditable = 1;
 // Edit-text flags of the host's text behaviour that the editable controls carry.
 constexpr std::uint32_t kEditTextFlags = 1;
 
-std::optional<bool> sAutoCompletionEnabled;
-
 // One bound control: the value, the control, and whether the binding itself
 // is showing a value (then the control's change reports are not edits).
 struct BindingState {
     Value mValue;
     kivui::UI_ControlView *mControl = nullptr;
+    ControlKind mKind = ControlKind::kText; // known since the control was made
     bool mShowing = false;
     bool mWriting = false;
 };
@@ -154,22 +152,13 @@ void Show(BindingState &inState)
 {
     const bool was = inState.mShowing;
     inState.mShowing = true;
-    UpdateControlOfAnyKind(inState.mValue, inState.mControl);
+    UpdateControlOfKind(inState.mValue, inState.mKind, inState.mControl);
     inState.mShowing = was;
 }
 
 } // namespace
 
 // ---------------------------------------------------------------- helpers
-
-bool IsPropertySupportedForWriting(Path const &inPath)
-{
-    const auto definition = kivmetadata::PathEntryDefinition(inPath);
-    KIV_ASSERT(kUnit, "kivmetadataui::IsPropertySupportedForWriting", definition);
-    if (!definition) return false;
-    // Deliberately only this type: its text form is not safe to edit.
-    return definition->mTypeId != "rational";
-}
 
 bool IsTypeBasedOnPrimitiveType(PropertyDefinition const &inDefinition, PrimitiveType inType)
 {
@@ -188,12 +177,6 @@ std::vector<kivmetadata::Choice> ChoicesFromViewItem(ViewItem const &inViewItem)
     return kivmetadata::DefinitionChoices(*definition);
 }
 
-std::u16string LocalizeIfKey(std::string const &inText)
-{
-    if (inText.rfind("$$$/", 0) == 0) return kivcore::config::Localizer::Localize(inText);
-    return Utf8ToUtf16(inText);
-}
-
 std::u16string ComposeTooltip(std::shared_ptr<PropertyDefinition> const &inDefinition)
 {
     KIV_ASSERT(kUnit, "kivmetadataui::ComposeTooltip", inDefinition);
@@ -205,70 +188,12 @@ std::u16string ComposeTooltip(std::shared_ptr<PropertyDefinition> const &inDefin
     return kivcore::config::Localizer::Localize(kTooltipKey, {label, description});
 }
 
-std::u16string ChoiceDisplayFromRawValue(std::shared_ptr<PropertyDefinition> const &inDefinition,
-                                         std::string const &inRawValue)
-{
-    KIV_ASSERT("src/BindControl", "kivmetadataui::ChoiceDisplayFromRawValue", inDefinition);
-    if (!inDefinition) return Utf8ToUtf16(inRawValue);
-    const std::vector<kivmetadata::Choice> choices = kivmetadata::DefinitionChoices(*inDefinition);
-    for (auto const &choice : choices) {
-        if (choice.mRawValue == inRawValue) return LocalizeIfKey(choice.mDisplay);
-    }
-    return Utf8ToUtf16(inRawValue);
-}
-
-void SetChoiceData(kivui::UI_ControlView &inControl, std::vector<kivmetadata::Choice> const &inChoices)
-{
-    QWidget *widget = inControl.UI_GetWidget();
-    if (!widget) return;
-    QStringList raw, display;
-    for (auto const &choice : inChoices) {
-        raw.push_back(QString::fromStdString(choice.mRawValue));
-        display.push_back(QString::fromStdString(choice.mDisplay));
-    }
-    widget->setProperty(kChoiceRawProperty, raw);
-    widget->setProperty(kChoiceDisplayProperty, display);
-}
-
-std::optional<std::vector<kivmetadata::Choice>> GetChoiceData(kivui::UI_ControlView const &inControl)
-{
-    QWidget const *widget = inControl.UI_GetWidget();
-    if (!widget) return std::nullopt;
-    const QVariant raw = widget->property(kChoiceRawProperty);
-    if (!raw.isValid()) return std::nullopt;
-    const QStringList rawValues = raw.toStringList();
-    const QStringList displays = widget->property(kChoiceDisplayProperty).toStringList();
-    std::vector<kivmetadata::Choice> choices;
-    choices.reserve(static_cast<std::size_t>(rawValues.size()));
-    for (qsizetype i = 0; i < rawValues.size(); ++i)
-        choices.push_back({rawValues[i].toStdString(), i < displays.size() ? displays[i].toStdString() : std::string()});
-    return choices;
-}
-
 void FillPopup(kivui::UI_Popup &inPopup, std::vector<kivmetadata::Choice> const &inChoices)
 {
     inPopup.DeleteAllItems();
     for (auto const &choice : inChoices)
         inPopup.AddItem(LocalizeIfKey(choice.mDisplay.empty() ? choice.mRawValue : choice.mDisplay), choice.mRawValue);
     SetChoiceData(inPopup, inChoices);
-}
-
-bool IsAutoCompletionEnabled()
-{
-    if (sAutoCompletionEnabled) return *sAutoCompletionEnabled;
-    if (auto *prefs = kivui::utility::PrefManager::GetPrefManager())
-        return prefs->GetBool(kAutoCompletionPreference).value_or(true);
-    return true;
-}
-
-void SetAutoCompletionEnabled(bool inEnabled)
-{
-    sAutoCompletionEnabled = inEnabled;
-}
-
-std::string MRUKeyForPath(Path const &inPath)
-{
-    return inPath.mPath;
 }
 
 // ---------------------------------------------------------------- factory
@@ -374,9 +299,15 @@ std::shared_ptr<Control> ControlFactory(Value const &inValue, std::shared_ptr<Vi
 
     control->SetToolTip(ComposeTooltip(definition));
 
+    std::optional<ControlKind> const kind = KindOfControl(control.get());
+    if (!kind) {
+        KIV_ASSERT(kUnit, "kivmetadataui::ControlFactory", kind);
+        return {};
+    }
     auto state = std::make_shared<BindingState>();
     state->mValue = inValue;
     state->mControl = control.get();
+    state->mKind = *kind;
     Show(*state);
 
     // Edits go back to the provider; the state lives as long as this handler.
@@ -384,7 +315,7 @@ std::shared_ptr<Control> ControlFactory(Value const &inValue, std::shared_ptr<Vi
         [state, inOnChanged](kivui::Message *inMessage) {
             if (state->mShowing || state->mWriting) return;
             state->mWriting = true;
-            UpdateValueOfAnyKind(state->mValue, state->mControl);
+            UpdateValueOfKind(state->mValue, state->mKind, state->mControl);
             state->mWriting = false;
             if (inOnChanged && *inOnChanged) (*inOnChanged)(inMessage);
         });

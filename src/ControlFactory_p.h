@@ -1,6 +1,8 @@
 #pragma once
-// Internal to kivmetadataui: helpers of the control factory and the value
-// binding. Not API; exported only so that the library's tests reach them.
+// Internal to kivmetadataui: helpers of the control factory. Not API;
+// exported only so that the library's tests reach them.
+
+#include "BindControl_p.h"
 
 #include <kivmetadataui/kivmetadataui_export.h>
 
@@ -27,11 +29,6 @@ class UI_StaticText;
 
 namespace kivmetadataui {
 
-// False exactly for properties whose definition names the type id
-// "rational" (their text form cannot be edited safely); asserts
-// "definition" and answers false for a path without definition.
-KIVMETADATAUI_EXPORT bool IsPropertySupportedForWriting(kivmetadata::Path const &inPath);
-
 // Whether the definition's primitive type, or that of its type id, is `inType`.
 KIVMETADATAUI_EXPORT bool IsTypeBasedOnPrimitiveType(kivmetadata::PropertyDefinition const &inDefinition,
                                                      kivmetadata::PrimitiveType inType);
@@ -43,34 +40,7 @@ KIVMETADATAUI_EXPORT std::vector<kivmetadata::Choice> ChoicesFromViewItem(kivmet
 // "Label :: Description" of a property, localised.
 KIVMETADATAUI_EXPORT std::u16string ComposeTooltip(std::shared_ptr<kivmetadata::PropertyDefinition> const &inDefinition);
 
-// The shown text of a raw value: the display text of the matching choice of
-// the definition (or of its type), else the raw value itself.
-KIVMETADATAUI_EXPORT std::u16string
-ChoiceDisplayFromRawValue(std::shared_ptr<kivmetadata::PropertyDefinition> const &inDefinition,
-                          std::string const &inRawValue);
-
-// A localisation key with default is localised; any other text is taken as it is.
-KIVMETADATAUI_EXPORT std::u16string LocalizeIfKey(std::string const &inText);
-
-// The choice data of a popup (or of a static text showing choices): the raw
-// values in item order. Popups made without it have none.
-KIVMETADATAUI_EXPORT void SetChoiceData(kivui::UI_ControlView &inControl, std::vector<kivmetadata::Choice> const &inChoices);
-KIVMETADATAUI_EXPORT std::optional<std::vector<kivmetadata::Choice>> GetChoiceData(kivui::UI_ControlView const &inControl);
 // Fills a popup with the choices (display texts localised) and sets its choice data.
 KIVMETADATAUI_EXPORT void FillPopup(kivui::UI_Popup &inPopup, std::vector<kivmetadata::Choice> const &inChoices);
-
-// Whether auto-completion from most-recently-used entries is on (the
-// "enableAutoCompletion" preference, on by default).
-KIVMETADATAUI_EXPORT bool IsAutoCompletionEnabled();
-KIVMETADATAUI_EXPORT void SetAutoCompletionEnabled(bool inEnabled);
-
-// The key of a property's most-recently-used entries.
-KIVMETADATAUI_EXPORT std::string MRUKeyForPath(kivmetadata::Path const &inPath);
-
-// Shows the value in a control of any kind made by the built-in factory,
-// through the UpdateControl of its kind. False for a control of unknown kind.
-KIVMETADATAUI_EXPORT bool UpdateControlOfAnyKind(kivmetadata::Value const &inValue, kivui::UI_ControlView *inControl);
-// Writes back a control of any kind through the UpdateValue of its kind.
-KIVMETADATAUI_EXPORT bool UpdateValueOfAnyKind(kivmetadata::Value const &inValue, kivui::UI_ControlView *inControl);
 
 } // namespace kivmetadataui

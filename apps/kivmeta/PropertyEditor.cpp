@@ -17,6 +17,7 @@
 #include <kivmetadataui/BindControl.h>
 #include <kivmetadataui/Control.h>
 #include <kivmetadataui/ControlFactory.h>
+#include <kivmetadataui/ControlKind.h>
 #include <kivmetadataui/DateTimeString.h>
 #include <kivmetadataui/UI_DateTextEdit.h>
 
@@ -41,6 +42,7 @@
 #include <functional>
 #include <mutex>
 #include <thread>
+#include <type_traits>
 
 #include <unistd.h>
 
@@ -142,6 +144,13 @@ bool PropertyExists(kivmetadata::Value const &value)
     return result == kivmetadata::kGetValueResult_OneValue || result == kivmetadata::kGetValueResult_SeveralValues;
 }
 
+template <typename... Functions>
+struct Overloaded : Functions... {
+    using Functions::operator()...;
+};
+template <typename... Functions>
+Overloaded(Functions...) -> Overloaded<Functions...>;
+
 // Puts the edit into the control the factory made and lets its binding write
 // it. Returns false with a reason when the control cannot take the value.
 bool FeedControl(kivmetadata::Value const &value, kivmetadataui::Control const &control,
@@ -149,103 +158,86 @@ bool FeedControl(kivmetadata::Value const &value, kivmetadataui::Control const &
                  QString &expected, QString &error)
 {
     expected = edit.mValue;
-    kivui::UI_SubView *view = control.GetView().get();
     bool const remove = edit.mKind == PropertyEdit::Kind::Delete;
     std::u16string const text = remove ? std::u16string() : edit.mValue.toStdU16String();
-
-    if (dynamic_cast<kivui::UI_StaticText *>(view)) {
-        error = QStringLiteral("is read-only here");
-        return false;
-    }
-    if (auto *date = dynamic_cast<kivmetadataui::UI_DateTextEdit *>(view)) {
-        kivmetadata::XMP_DateTime parsed{};
-        if (!remove && !kivmetadataui::ParseDateTimeStr(text, parsed)) {
-            error = QStringLiteral("\"%1\" is not a date (use YYYY-MM-DD, optionally with a time "
-                                   "HH:MM[:SS] and a zone)")
-                        .arg(edit.mValue);
-            return false;
-        }
-        date->SetValue(remove ? std::u16string() : kivmetadataui::FormatDateTimeStr(parsed));
-        kivmetadataui::UpdateValue(value, IntrusivePtr<kivmetadataui::UI_DateTextEdit>(date));
+    auto *view = dynamic_cast<kivui::UI_ControlView *>(control.GetView().get());
+    // Each kind takes the edit its own way, then writes through the binding.
+    auto write = [&value](auto *concrete) {
+        kivmetadataui::UpdateValue(value, IntrusivePtr<std::remove_pointer_t<decltype(concrete)>>(concrete));
         return true;
-    }
-    if (auto *edit2 = dynamic_cast<kivui::UI_TextEdit *>(view)) {
-        if (!remove) {
-            if (std::optional<std::u16string> warning = edit2->ValidateText(text)) {
-                error = Q(*warning);
-                return false;
+    };
+    bool fed = false;
+    bool const known = kivmetadataui::VisitControl(view, Overloaded{
+        [&](kivui::UI_StaticText *) {
+            error = QStringLiteral("is read-only here");
+        },
+        [&](kivmetadataui::UI_DateTextEdit *date) {
+            kivmetadata::XMP_DateTime parsed{};
+            if (!remove && !kivmetadataui::ParseDateTimeStr(text, parsed)) {
+                error = QStringLiteral("\"%1\" is not a date (use YYYY-MM-DD, optionally with a time "
+                                       "HH:MM[:SS] and a zone)")
+                            .arg(edit.mValue);
+                return;
             }
-        }
-        edit2->SetValue(text, false);
-        if (auto *auto_ = dynamic_cast<kivui::UI_AutoCompleteTextEdit *>(view))
-            kivmetadataui::UpdateValue(value, IntrusivePtr<kivui::UI_AutoCompleteTextEdit>(auto_));
-        else if (auto *url = dynamic_cast<kivui::UI_URLEdit *>(view))
-            kivmetadataui::UpdateValue(value, IntrusivePtr<kivui::UI_URLEdit>(url));
-        else if (auto *drag = dynamic_cast<kivui::UI_DragableTextEdit *>(view))
-            kivmetadataui::UpdateValue(value, IntrusivePtr<kivui::UI_DragableTextEdit>(drag));
-        else
-            kivmetadataui::UpdateValue(value, IntrusivePtr<kivui::UI_TextEdit>(edit2));
-        return true;
-    }
-    if (auto *box = dynamic_cast<kivui::UI_Checkbox *>(view)) {
-        if (remove) {
-            box->SetValueUnknown(true);
-        } else {
-            std::optional<bool> checked = ParseBoolean(edit.mValue);
-            if (!checked) {
-                error = QStringLiteral("\"%1\" is not a boolean (use True or False)").arg(edit.mValue);
-                return false;
+            date->SetValue(remove ? std::u16string() : kivmetadataui::FormatDateTimeStr(parsed));
+            fed = write(date);
+        },
+        [&](kivui::UI_Checkbox *box) {
+            if (remove) {
+                box->SetValueUnknown(true);
+            } else {
+                std::optional<bool> checked = ParseBoolean(edit.mValue);
+                if (!checked) {
+                    error = QStringLiteral("\"%1\" is not a boolean (use True or False)").arg(edit.mValue);
+                    return;
+                }
+                box->SetValue(*checked ? kivui::UI_Checkbox::kChecked : kivui::UI_Checkbox::kUnchecked);
             }
-            box->SetValue(*checked ? kivui::UI_Checkbox::kChecked : kivui::UI_Checkbox::kUnchecked);
-        }
-        kivmetadataui::UpdateValue(value, IntrusivePtr<kivui::UI_Checkbox>(box));
-        return true;
-    }
-    if (auto *number = dynamic_cast<kivui::UI_HotTextNumber *>(view)) {
-        if (remove) {
-            number->SetValue(std::nan(""));
-        } else {
+            fed = write(box);
+        },
+        [&](kivui::UI_HotTextNumber *number) {
+            if (remove) {
+                number->SetValue(std::nan(""));
+                fed = write(number);
+                return;
+            }
             bool ok = false;
             double d = edit.mValue.trimmed().toDouble(&ok);
             if (!ok || !std::isfinite(d)) {
                 error = QStringLiteral("\"%1\" is not a number").arg(edit.mValue);
-                return false;
-            }
-            if (type == kivmetadata::kPrimitiveType_Integer && d != std::floor(d)) {
+            } else if (type == kivmetadata::kPrimitiveType_Integer && d != std::floor(d)) {
                 error = QStringLiteral("\"%1\" is not a whole number").arg(edit.mValue);
-                return false;
-            }
-            if ((definition.mMinimum && d < *definition.mMinimum) ||
-                (definition.mMaximum && d > *definition.mMaximum)) {
+            } else if ((definition.mMinimum && d < *definition.mMinimum) ||
+                       (definition.mMaximum && d > *definition.mMaximum)) {
                 error = QStringLiteral("%1 is outside the range %2 to %3")
                             .arg(edit.mValue.trimmed())
                             .arg(definition.mMinimum ? QString::number(*definition.mMinimum) : QStringLiteral("any"))
                             .arg(definition.mMaximum ? QString::number(*definition.mMaximum) : QStringLiteral("any"));
-                return false;
+            } else {
+                number->SetValue(d);
+                fed = write(number);
             }
-            number->SetValue(d);
-        }
-        kivmetadataui::UpdateValue(value, IntrusivePtr<kivui::UI_HotTextNumber>(number));
-        return true;
-    }
-    if (auto *stars = dynamic_cast<kivui::UI_StarRating *>(view)) {
-        double d = 0;
-        if (!remove) {
-            bool ok = false;
-            d = edit.mValue.trimmed().toDouble(&ok);
-            if (!ok || d < 0 || d > 5 || d != std::floor(d)) {
-                error = QStringLiteral("\"%1\" is not a rating (a whole number of stars from 0 to 5)").arg(edit.mValue);
-                return false;
+        },
+        [&](kivui::UI_StarRating *stars) {
+            double d = 0;
+            if (!remove) {
+                bool ok = false;
+                d = edit.mValue.trimmed().toDouble(&ok);
+                if (!ok || d < 0 || d > 5 || d != std::floor(d)) {
+                    error = QStringLiteral("\"%1\" is not a rating (a whole number of stars from 0 to 5)")
+                                .arg(edit.mValue);
+                    return;
+                }
             }
-        }
-        stars->SetValue(d);
-        kivmetadataui::UpdateValue(value, IntrusivePtr<kivui::UI_StarRating>(stars));
-        return true;
-    }
-    if (auto *popup = dynamic_cast<kivui::UI_Popup *>(view)) {
-        if (remove) {
-            popup->SetValueUnknown(true);
-        } else {
+            stars->SetValue(d);
+            fed = write(stars);
+        },
+        [&](kivui::UI_Popup *popup) {
+            if (remove) {
+                popup->SetValueUnknown(true);
+                fed = write(popup);
+                return;
+            }
             // The raw value first ("3"), then the text shown ("3 (Normal)").
             QString const wanted = edit.mValue.trimmed();
             int found = popup->FindItemByData(wanted.toStdString());
@@ -262,14 +254,24 @@ bool FeedControl(kivmetadata::Value const &value, kivmetadataui::Control const &
                 popup->SetValueString(edit.mValue.toStdU16String());
             } else {
                 error = QStringLiteral("\"%1\" is not one of the choices: %2").arg(edit.mValue, ChoiceList(definition));
-                return false;
+                return;
             }
-        }
-        kivmetadataui::UpdateValue(value, IntrusivePtr<kivui::UI_Popup>(popup));
-        return true;
-    }
-    error = QStringLiteral("has no control that can edit it");
-    return false;
+            fed = write(popup);
+        },
+        // The plain, auto-complete, URL and draggable text edits.
+        [&](auto *textEdit) {
+            if (!remove) {
+                if (std::optional<std::u16string> warning = textEdit->ValidateText(text)) {
+                    error = Q(*warning);
+                    return;
+                }
+            }
+            textEdit->SetValue(text, false);
+            fed = write(textEdit);
+        },
+    });
+    if (!known) error = QStringLiteral("has no control that can edit it");
+    return fed;
 }
 
 } // namespace
@@ -504,7 +506,9 @@ int RunEdits(QStringList const &files, std::vector<PropertyEdit> const &edits, b
         QString reason = refused[i];
         while (reason.endsWith(u'.')) reason.chop(1);
         if (!reason.isEmpty()) reason[0] = reason[0].toLower();
-        err << "kivmeta: cannot write " << files[qsizetype(i)] << ": " << reason << ". The file was left as it was.\n";
+        // The model's own messages already say so.
+        if (!reason.contains(QStringLiteral("left as it was"))) reason += QStringLiteral(". The file was left as it was");
+        err << "kivmeta: cannot write " << files[qsizetype(i)] << ": " << reason << ".\n";
         ++failures;
         status = 1;
     }
