@@ -242,7 +242,7 @@ std::shared_ptr<FileMetaDataProvider> FileMetaDataProvider::Open(std::u16string 
             d.MakeReadOnly(d.mStored.mReadOnlyReason + "; what was found is not a readable XMP packet");
         } else {
             d.mComplete = false;
-            d.MakeReadOnly("its XMP packet is malformed (" + message + "), so it is opened read-only");
+            d.MakeReadOnly("its XMP packet is malformed (" + message + ")");
         }
     }
     d.mStoredSnapshot = TakeSnapshot(*d.mMeta);

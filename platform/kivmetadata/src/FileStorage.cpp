@@ -89,7 +89,7 @@ void ReadByScanning(std::string const &native, StoredPacket &packet)
         packet.mFound = true;
         packet.mPacket = text.str();
         packet.mReadOnlyReason = "its metadata was found only by scanning the file and may belong to an embedded "
-                                 "object, so it is opened read-only";
+                                 "object";
     } else {
         packet.mReadOnlyReason = "this file format cannot hold XMP metadata here; it can be kept in a sidecar file";
     }
@@ -130,7 +130,7 @@ void ReadWithToolkit(QString const &path, StoredPacket &packet)
         } else {
             packet.mStorage = Storage::kReadOnly;
             packet.mReadOnlyReason = "kivmeta cannot write the metadata of " + packet.mFormatName +
-                                     " files without risk, so the file is opened read-only";
+                                     " files without risk";
         }
         return;
     }
@@ -173,7 +173,7 @@ bool ReadStoredPacket(QString const &path, bool isSidecar, StoredPacket &packet,
         packet.mStorage = Storage::kReadOnly;
         packet.mDamaged = true;
         packet.mReadOnlyReason = "the file's " + packet.mFormatName + " structure is damaged (" + why +
-                                 "), so it is opened read-only";
+                                 ")";
         return true;
     }
     packet.mStorage = Storage::kContainer;
