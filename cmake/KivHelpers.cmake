@@ -1,3 +1,13 @@
+# kiv_set_warnings(<target>)
+# The warnings of all our code; errors too unless KIV_WERROR is off (for
+# packagers whose compilers warn about more).
+function(kiv_set_warnings target)
+  target_compile_options(${target} PRIVATE -Wall -Wextra -Wnon-virtual-dtor -Wshadow)
+  if(KIV_WERROR)
+    target_compile_options(${target} PRIVATE -Werror)
+  endif()
+endfunction()
+
 # kiv_add_library(<name> SOURCES ... [PUBLIC_LINK ...] [PRIVATE_LINK ...])
 # A shared library of this project: hidden visibility, generated export header
 # <name>/<name>_export.h, public headers in <folder>/include, warnings as errors.
@@ -17,7 +27,7 @@ function(kiv_add_library name)
     $<BUILD_INTERFACE:${CMAKE_CURRENT_BINARY_DIR}/export>
     $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
   target_link_libraries(${name} PUBLIC ${ARG_PUBLIC_LINK} PRIVATE ${ARG_PRIVATE_LINK})
-  target_compile_options(${name} PRIVATE -Wall -Wextra -Werror)
+  kiv_set_warnings(${name})
   set_target_properties(${name} PROPERTIES
     VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
     EXPORT_NAME ${name}
@@ -43,7 +53,7 @@ function(kiv_add_gtest name)
   endif()
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE ${ARG_LINK} ${ARG_MAIN} GTest::gtest GTest::gmock)
-  target_compile_options(${name} PRIVATE -Wall -Wextra -Werror)
+  kiv_set_warnings(${name})
   gtest_discover_tests(${name}
     DISCOVERY_MODE PRE_TEST
     DISCOVERY_TIMEOUT 60

@@ -11,7 +11,7 @@
 namespace {
 
 struct Counted : kivcore::utility::RefCountedInterface {
-    explicit Counted(int *deaths) : deaths(deaths) {}
+    explicit Counted(int *inDeaths) : deaths(inDeaths) {}
     ~Counted() override { ++*deaths; }
     int *deaths;
 };

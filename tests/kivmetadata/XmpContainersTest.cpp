@@ -250,11 +250,11 @@ TEST(XmpContainersTest, ExtendedXmpIsSplitAndReassembled)
     };
     for (auto const &c : cases) {
         SCOPED_TRACE(c.mName);
-        std::string const file = AfterApp0(
+        std::string const chunked = AfterApp0(
             jpeg, App1(std::string("http://ns.adobe.com/xap/1.0/\0", 29) + Packet("x", 0, c.mNamed)) + c.mChunks);
         XmpContainerPacket read;
         std::string error;
-        EXPECT_EQ(ReadXmpContainer(file, Kind::kJpeg, read, error), c.mExpected != nullptr) << error;
+        EXPECT_EQ(ReadXmpContainer(chunked, Kind::kJpeg, read, error), c.mExpected != nullptr) << error;
         if (c.mExpected)
             EXPECT_EQ(read.mExtended, c.mExpected);
         else
