@@ -3,7 +3,7 @@
 // factory uses too (never the reverse). Not API; exported only so that the
 // library's tests reach them.
 
-#include <kivmetadataui/kivmetadataui_export.h>
+#include "kivmetadataui_test_export_p.h"
 
 #include <kivmetadata/Choice.h>
 
@@ -30,29 +30,31 @@ enum class ControlKind : std::uint8_t;
 // False exactly for properties whose definition names the type id
 // "rational" (their text form cannot be edited safely); asserts
 // "definition" and answers false for a path without definition.
-KIVMETADATAUI_EXPORT bool IsPropertySupportedForWriting(kivmetadata::Path const &inPath);
+KIVMETADATAUI_TEST_EXPORT bool IsPropertySupportedForWriting(kivmetadata::Path const &inPath);
 
 // The shown text of a raw value: the display text of the matching choice of
 // the definition (or of its type), else the raw value itself.
-KIVMETADATAUI_EXPORT std::u16string
+KIVMETADATAUI_TEST_EXPORT std::u16string
 ChoiceDisplayFromRawValue(std::shared_ptr<kivmetadata::PropertyDefinition> const &inDefinition,
                           std::string const &inRawValue);
 
 // A localisation key with default is localised; any other text is taken as it is.
-KIVMETADATAUI_EXPORT std::u16string LocalizeIfKey(std::string const &inText);
+KIVMETADATAUI_TEST_EXPORT std::u16string LocalizeIfKey(std::string const &inText);
 
 // The choice data of a popup (or of a static text showing choices): the raw
 // values in item order. Popups made without it have none.
-KIVMETADATAUI_EXPORT void SetChoiceData(kivui::UI_ControlView &inControl, std::vector<kivmetadata::Choice> const &inChoices);
-KIVMETADATAUI_EXPORT std::optional<std::vector<kivmetadata::Choice>> GetChoiceData(kivui::UI_ControlView const &inControl);
+KIVMETADATAUI_TEST_EXPORT void SetChoiceData(kivui::UI_ControlView &inControl,
+                                             std::vector<kivmetadata::Choice> const &inChoices);
+KIVMETADATAUI_TEST_EXPORT std::optional<std::vector<kivmetadata::Choice>>
+GetChoiceData(kivui::UI_ControlView const &inControl);
 
 // Whether auto-completion from most-recently-used entries is on (the
 // "enableAutoCompletion" preference, on by default).
-KIVMETADATAUI_EXPORT bool IsAutoCompletionEnabled();
-KIVMETADATAUI_EXPORT void SetAutoCompletionEnabled(bool inEnabled);
+KIVMETADATAUI_TEST_EXPORT bool IsAutoCompletionEnabled();
+KIVMETADATAUI_TEST_EXPORT void SetAutoCompletionEnabled(bool inEnabled);
 
 // The key of a property's most-recently-used entries.
-KIVMETADATAUI_EXPORT std::string MRUKeyForPath(kivmetadata::Path const &inPath);
+KIVMETADATAUI_TEST_EXPORT std::string MRUKeyForPath(kivmetadata::Path const &inPath);
 
 // Shows the value through the UpdateControl of the control's kind, or
 // writes the control back through the UpdateValue of its kind.
@@ -61,8 +63,10 @@ void UpdateValueOfKind(kivmetadata::Value const &inValue, ControlKind inKind, ki
 
 // The same for a control of any kind made by the built-in factory; false
 // for a control of unknown kind.
-KIVMETADATAUI_EXPORT bool UpdateControlOfAnyKind(kivmetadata::Value const &inValue, kivui::UI_ControlView *inControl);
+KIVMETADATAUI_TEST_EXPORT bool UpdateControlOfAnyKind(kivmetadata::Value const &inValue,
+                                                      kivui::UI_ControlView *inControl);
 // Writes back a control of any kind through the UpdateValue of its kind.
-KIVMETADATAUI_EXPORT bool UpdateValueOfAnyKind(kivmetadata::Value const &inValue, kivui::UI_ControlView *inControl);
+KIVMETADATAUI_TEST_EXPORT bool UpdateValueOfAnyKind(kivmetadata::Value const &inValue,
+                                                    kivui::UI_ControlView *inControl);
 
 } // namespace kivmetadataui

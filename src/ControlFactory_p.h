@@ -3,8 +3,7 @@
 // exported only so that the library's tests reach them.
 
 #include "BindControl_p.h"
-
-#include <kivmetadataui/kivmetadataui_export.h>
+#include "kivmetadataui_test_export_p.h"
 
 #include <kivmetadata/Choice.h>
 #include <kivmetadata/PrimitiveType.h>
@@ -30,17 +29,18 @@ class UI_StaticText;
 namespace kivmetadataui {
 
 // Whether the definition's primitive type, or that of its type id, is `inType`.
-KIVMETADATAUI_EXPORT bool IsTypeBasedOnPrimitiveType(kivmetadata::PropertyDefinition const &inDefinition,
-                                                     kivmetadata::PrimitiveType inType);
+KIVMETADATAUI_TEST_EXPORT bool IsTypeBasedOnPrimitiveType(kivmetadata::PropertyDefinition const &inDefinition,
+                                                          kivmetadata::PrimitiveType inType);
 
 // The view item's own choices, else those of its property's definition (or
 // of the definition's type).
-KIVMETADATAUI_EXPORT std::vector<kivmetadata::Choice> ChoicesFromViewItem(kivmetadata::ViewItem const &inViewItem);
+KIVMETADATAUI_TEST_EXPORT std::vector<kivmetadata::Choice> ChoicesFromViewItem(kivmetadata::ViewItem const &inViewItem);
 
 // "Label :: Description" of a property, localised.
-KIVMETADATAUI_EXPORT std::u16string ComposeTooltip(std::shared_ptr<kivmetadata::PropertyDefinition> const &inDefinition);
+KIVMETADATAUI_TEST_EXPORT std::u16string
+ComposeTooltip(std::shared_ptr<kivmetadata::PropertyDefinition> const &inDefinition);
 
 // Fills a popup with the choices (display texts localised) and sets its choice data.
-KIVMETADATAUI_EXPORT void FillPopup(kivui::UI_Popup &inPopup, std::vector<kivmetadata::Choice> const &inChoices);
+KIVMETADATAUI_TEST_EXPORT void FillPopup(kivui::UI_Popup &inPopup, std::vector<kivmetadata::Choice> const &inChoices);
 
 } // namespace kivmetadataui

@@ -12,6 +12,8 @@
 #include <kivui/ImageProvider.h>
 #include <kivui/OS_ResourceManager.h>
 
+#include <QFile>
+
 #include <cstdint>
 #include <memory>
 #include <new>
@@ -131,6 +133,15 @@ ImageProvider *GetImageProvider()
 std::int32_t GetInitializationCount()
 {
     return sInitializationCount;
+}
+
+std::string ReadStyleSheet(char const *inResourcePath)
+{
+    QFile file(QString::fromUtf8(inResourcePath));
+    bool const opened = file.open(QIODevice::ReadOnly | QIODevice::Text);
+    KIV_ASSERT("src/Initialize", "kivmetadataui::module::ReadStyleSheet", opened);
+    if (!opened) return {};
+    return file.readAll().toStdString();
 }
 
 } // namespace module

@@ -13,27 +13,44 @@ using kivmetadata::MetaDataReadAccess;
 using kivmetadata::MetaDataUpdateAccess;
 using kivmetadata::XMPMeta;
 
+struct MetadataProviderWrapper::Private {
+    std::shared_ptr<kivmetadata::MetaDataProvider> mProvider;
+    std::unique_ptr<XMPMeta> mMeta;
+    bool mModified = false;
+};
+
 MetadataProviderWrapper::MetadataProviderWrapper(std::shared_ptr<kivmetadata::MetaDataProvider> inProvider)
-    : mProvider(std::move(inProvider))
+    : d(std::make_unique<Private>())
 {
-    MetaDataReadAccess access(mProvider);
+    d->mProvider = std::move(inProvider);
+    MetaDataReadAccess access(d->mProvider);
     XMPMeta const *meta = access.GetMeta();
     if (!meta) {
         KIV_ASSERT_MSG("src/MetadataDialog", "kivmetadataui::MetadataProviderWrapper::MetadataProviderWrapper", false,
                        "MetadataProviderWrapper: no metadata object available");
         return;
     }
-    mMeta = meta->Clone();
+    d->mMeta = meta->Clone();
 }
 
 MetadataProviderWrapper::~MetadataProviderWrapper()
 {
-    mMeta.reset();
+    d->mMeta.reset();
+}
+
+bool MetadataProviderWrapper::IsModified() const
+{
+    return d->mModified;
+}
+
+std::shared_ptr<kivmetadata::MetaDataProvider> const &MetadataProviderWrapper::GetWrappedProvider() const
+{
+    return d->mProvider;
 }
 
 bool MetadataProviderWrapper::AcceptsPath(kivmetadata::Value const &inValue, bool inForWriting) const
 {
-    return mProvider && mProvider->AcceptsPath(inValue, inForWriting);
+    return d->mProvider && d->mProvider->AcceptsPath(inValue, inForWriting);
 }
 
 bool MetadataProviderWrapper::IsEditingCopy() const
@@ -43,19 +60,19 @@ bool MetadataProviderWrapper::IsEditingCopy() const
 
 XMPMeta *MetadataProviderWrapper::GetMeta()
 {
-    return mMeta.get();
+    return d->mMeta.get();
 }
 
 void MetadataProviderWrapper::OnMetadataChanged(std::set<kivmetadata::Path> const &)
 {
-    mModified = true;
+    d->mModified = true;
 }
 
 void MetadataProviderWrapper::CommitChanges()
 {
     // An untouched dialog writes nothing, even when the user confirms.
-    if (!mModified) return;
-    MetaDataUpdateAccess access(mProvider);
+    if (!d->mModified) return;
+    MetaDataUpdateAccess access(d->mProvider);
     XMPMeta *target = access.GetMeta();
     if (!target) {
         KIV_ASSERT("src/MetadataDialog", "kivmetadataui::MetadataProviderWrapper::CommitChanges", false);
@@ -63,7 +80,7 @@ void MetadataProviderWrapper::CommitChanges()
     }
     // Everything goes first, so properties deleted in the dialog are gone.
     kivmetadata::RemoveProperties(*target, std::string(), std::string(), kivmetadata::kUtilDoAllProperties);
-    if (mMeta) kivmetadata::AppendProperties(*mMeta, *target, kivmetadata::kUtilDoAllProperties);
+    if (d->mMeta) kivmetadata::AppendProperties(*d->mMeta, *target, kivmetadata::kUtilDoAllProperties);
     access.AddChange(kivmetadata::Path{});
 }
 

@@ -131,33 +131,74 @@ private:
 
 } // namespace
 
+struct MetadataLayoutView::Private {
+    Private(std::shared_ptr<kivmetadata::MetaDataProvider> inProvider,
+            std::shared_ptr<kivmetadata::ViewDefinition> inDefinition)
+        : mMetadataProvider(std::move(inProvider))
+        , mViewDefinition(std::move(inDefinition))
+    {
+    }
+
+    // Initialize's checks, made here so that the reported conditions name the members.
+    void AssertInputs() const
+    {
+        KIV_ASSERT_MSG(kUnit, "kivmetadataui::MetadataLayoutView::Initialize", mMetadataProvider,
+                       "MetadataLayoutView(): no metadata provider");
+        KIV_ASSERT_MSG(kUnit, "kivmetadataui::MetadataLayoutView::Initialize", mViewDefinition,
+                       "MetadataLayoutView(): no view definition");
+    }
+
+    std::shared_ptr<kivmetadata::MetaDataProvider> mMetadataProvider;
+    std::shared_ptr<kivmetadata::ViewDefinition> mViewDefinition;
+    std::shared_ptr<layout::TableLayout> mTableLayout;
+    kivcore::Flags<unsigned char> mMargins;
+};
+
 MetadataLayoutView::MetadataLayoutView(std::string const &inViewName,
                                        std::shared_ptr<kivmetadata::MetaDataProvider> inProvider)
-    : mMetadataProvider(std::move(inProvider))
-    , mViewDefinition(kivmetadata::GetViewDefinitionForName(inViewName))
+    : d(std::make_unique<Private>(std::move(inProvider), kivmetadata::GetViewDefinitionForName(inViewName)))
 {
-    mTableLayout.reset();
     Initialize();
 }
 
 MetadataLayoutView::MetadataLayoutView(std::shared_ptr<kivmetadata::ViewDefinition> inDefinition,
                                        std::shared_ptr<kivmetadata::MetaDataProvider> inProvider)
-    : mMetadataProvider(std::move(inProvider))
-    , mViewDefinition(std::move(inDefinition))
+    : d(std::make_unique<Private>(std::move(inProvider), std::move(inDefinition)))
 {
-    mTableLayout.reset();
     Initialize();
 }
 
 MetadataLayoutView::~MetadataLayoutView() = default;
 
+std::shared_ptr<kivmetadata::ViewDefinition> const &MetadataLayoutView::GetViewDefinition() const
+{
+    return d->mViewDefinition;
+}
+
+std::shared_ptr<kivmetadata::MetaDataProvider> const &MetadataLayoutView::GetMetadataProvider() const
+{
+    return d->mMetadataProvider;
+}
+
+void MetadataLayoutView::SetMargins(kivcore::Flags<unsigned char> inMargins)
+{
+    d->mMargins = inMargins;
+}
+
+kivcore::Flags<unsigned char> MetadataLayoutView::GetMargins() const
+{
+    return d->mMargins;
+}
+
+std::shared_ptr<layout::TableLayout> const &MetadataLayoutView::GetTableLayout() const
+{
+    return d->mTableLayout;
+}
+
 void MetadataLayoutView::Initialize()
 {
-    mMargins = kivcore::Flags<unsigned char>(255);
-    KIV_ASSERT_MSG(kUnit, "kivmetadataui::MetadataLayoutView::Initialize", mMetadataProvider,
-                   "MetadataLayoutView(): no metadata provider");
-    KIV_ASSERT_MSG(kUnit, "kivmetadataui::MetadataLayoutView::Initialize", mViewDefinition,
-                   "MetadataLayoutView(): no view definition");
+    d->mMargins = kivcore::Flags<unsigned char>(255);
+    d->AssertInputs();
     UI_SetNodeID(kNodeID);
     UI_SetLayoutsChildren(true);
     UI_SetLayoutBinding(kivui::LayoutBinding(kBindFollowParent));
@@ -165,19 +206,19 @@ void MetadataLayoutView::Initialize()
 
 std::string MetadataLayoutView::GetViewName() const
 {
-    return mViewDefinition ? mViewDefinition->mName : std::string();
+    return d->mViewDefinition ? d->mViewDefinition->mName : std::string();
 }
 
 std::string MetadataLayoutView::GetDisplayName() const
 {
-    if (!mViewDefinition) return {};
-    return kivcore::utility::Utf16ToUtf8(Localizer::Localize(mViewDefinition->mLabel));
+    if (!d->mViewDefinition) return {};
+    return kivcore::utility::Utf16ToUtf8(Localizer::Localize(d->mViewDefinition->mLabel));
 }
 
 void MetadataLayoutView::SetViewDefinition(std::shared_ptr<kivmetadata::ViewDefinition> inDefinition)
 {
     if (!inDefinition) return;
-    mViewDefinition = std::move(inDefinition);
+    d->mViewDefinition = std::move(inDefinition);
     Refresh();
 }
 
@@ -194,7 +235,7 @@ float MetadataLayoutView::BuilderWidth()
 
 void MetadataLayoutView::Refresh()
 {
-    mTableLayout.reset();
+    d->mTableLayout.reset();
     DeleteChildren();
     Layout();
 }
@@ -205,18 +246,18 @@ void MetadataLayoutView::Layout()
     if (!supplier) return;
 
     // No incremental path: values are read again on every rebuild.
-    mTableLayout.reset();
+    d->mTableLayout.reset();
     DeleteChildren();
 
     std::shared_ptr<layout::MetadataViewBuilder> builder =
-        std::make_shared<layout::MetadataViewBuilder>(mMetadataProvider, supplier);
+        std::make_shared<layout::MetadataViewBuilder>(d->mMetadataProvider, supplier);
     builder->SetWidth(500.0f - kivui::UI_ScrollBar::GetDefaultSize() - 26.0f);
-    builder->SetMargins(mMargins);
-    kivmetadata::BuildView(mViewDefinition, *builder);
-    mTableLayout = builder->GetTableLayout();
+    builder->SetMargins(d->mMargins);
+    kivmetadata::BuildView(d->mViewDefinition, *builder);
+    d->mTableLayout = builder->GetTableLayout();
 
     IntrusivePtr<UI_SubView> content;
-    if (mTableLayout->CountRows() == 0) {
+    if (d->mTableLayout->CountRows() == 0) {
         IntrusivePtr<UI_SubView> placeholder(new UI_SubView);
         placeholder->UI_SetLayoutsChildren(true);
         IntrusivePtr<kivui::UI_StaticText> text(new kivui::UI_StaticText);
@@ -233,7 +274,7 @@ void MetadataLayoutView::Layout()
         placeholder->UI_SetLocalRectF(rect);
         content = placeholder;
     } else {
-        content = mTableLayout->GetView();
+        content = d->mTableLayout->GetView();
     }
 
     content->UI_SetLocalRectF(UI_GetLocalRectF(false));
@@ -248,8 +289,8 @@ bool MetadataLayoutView::UI_DoKeyboardEvent(kivui::UI_Node *inFocusNode, kivui::
     if (!inEvent.CompareShortcut(kivui::KeyboardCode(3), kivcore::Flags<std::uint32_t>(0u)) &&
         !inEvent.CompareShortcut(kivui::KeyboardCode(3), kivcore::Flags<std::uint32_t>(2u)))
         return false;
-    if (!inFocusNode || !mTableLayout) return false;
-    auto *scroll = dynamic_cast<kivui::UI_ScrollView *>(mTableLayout->GetView().get());
+    if (!inFocusNode || !d->mTableLayout) return false;
+    auto *scroll = dynamic_cast<kivui::UI_ScrollView *>(d->mTableLayout->GetView().get());
     if (!scroll) return false;
 
     auto const content = scroll->GetContentView();

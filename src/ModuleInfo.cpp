@@ -10,6 +10,7 @@
 #include <kivui/SkinVersion.h>
 
 #include <map>
+#include <memory>
 #include <string>
 
 namespace kivmetadataui {
@@ -18,6 +19,8 @@ namespace {
 using kivui::skins::core::SkinManager;
 using kivui::skins::core::SkinSet;
 using kivui::skins::core::SkinVersion;
+
+std::unique_ptr<ModuleInfo> sInstance;
 
 template <typename SkinT>
 void AddSkinToSet(char const *inSetName)
@@ -32,8 +35,6 @@ void AddSkinToSet(char const *inSetName)
 
 } // namespace
 
-std::unique_ptr<ModuleInfo> ModuleInfo::S_instanceP;
-
 ModuleInfo::ModuleInfo() = default;
 ModuleInfo::~ModuleInfo() = default;
 ModuleInfo::ModuleInfo(ModuleInfo const &inOther) : kivui::ui::ModuleInfo(inOther) {}
@@ -46,15 +47,15 @@ ModuleInfo &ModuleInfo::operator=(ModuleInfo const &inOther)
 
 ModuleInfo *ModuleInfo::Get()
 {
-    if (!S_instanceP) {
+    if (!sInstance) {
         kivui::skins::SkinSingleton<skins::v5::V5DateTextEditSkin>::Create();
         kivui::skins::SkinSingleton<skins::v7::V7DateTextEditSkin>::Create();
-        S_instanceP.reset(new ModuleInfo());
+        sInstance.reset(new ModuleInfo());
         // The base registered the record while it was still only a base;
         // now that it is whole, the toolkit may initialise it.
-        SkinManager::RegisterModuleInfo(S_instanceP.get(), true);
+        SkinManager::RegisterModuleInfo(sInstance.get(), true);
     }
-    return S_instanceP.get();
+    return sInstance.get();
 }
 
 void ModuleInfo::Initialize()

@@ -19,7 +19,13 @@ constexpr char kFormatErrorKey[] =
 
 } // namespace
 
+struct UI_DateTextEdit::Private {
+    std::optional<kivmetadata::XMP_DateTime> mDateTime;
+    std::shared_ptr<std::function<void(kivui::Message *)>> mEditHandler;
+};
+
 UI_DateTextEdit::UI_DateTextEdit()
+    : d(std::make_unique<Private>())
 {
     // The skins of the date edit are registered through the module record;
     // make sure it exists once a date edit does.
@@ -30,7 +36,7 @@ UI_DateTextEdit::UI_DateTextEdit()
         // Its skins are style-sheet rules on the field itself.
         kivui::skins::core::SkinManager::AdoptWidget(edit);
     }
-    mEditHandler = std::make_shared<std::function<void(kivui::Message *)>>([this](kivui::Message *inMessage) {
+    d->mEditHandler = std::make_shared<std::function<void(kivui::Message *)>>([this](kivui::Message *inMessage) {
         auto *changed = dynamic_cast<kivui::UI_InteractiveControlChangedMessage *>(inMessage);
         if (!changed) return;
         if (changed->GetChangeMessage() == kivui::UI_InteractiveControlChangedMessage::kChanged) {
@@ -39,27 +45,32 @@ UI_DateTextEdit::UI_DateTextEdit()
             // The commit passed validation: store and normalise what was typed.
             const std::u16string text = GetValue();
             if (!text.empty()) SetValue(text);
-            else mDateTime.reset();
+            else d->mDateTime.reset();
             UpdateInvalidMark(GetValue());
         }
     });
-    NotifyWhenChangedInteractively(mEditHandler);
+    NotifyWhenChangedInteractively(d->mEditHandler);
 }
 
 UI_DateTextEdit::~UI_DateTextEdit()
 {
     // The handler captures this object; the toolkit may still hold it.
-    if (mEditHandler) *mEditHandler = nullptr;
+    if (d->mEditHandler) *d->mEditHandler = nullptr;
+}
+
+std::optional<kivmetadata::XMP_DateTime> const &UI_DateTextEdit::GetDateTime() const
+{
+    return d->mDateTime;
 }
 
 void UI_DateTextEdit::SetValue(std::u16string const &inText)
 {
     kivmetadata::XMP_DateTime parsed;
     if (ParseDateTimeStr(inText, parsed)) {
-        mDateTime = parsed;
+        d->mDateTime = parsed;
         kivui::UI_TextEdit::SetValue(FormatDateTimeStr(parsed), false);
     } else {
-        if (inText.empty()) mDateTime.reset();
+        if (inText.empty()) d->mDateTime.reset();
         kivui::UI_TextEdit::SetValue(inText, false);
     }
     UpdateInvalidMark(GetValue());

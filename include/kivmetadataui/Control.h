@@ -5,6 +5,7 @@
 #include <kivcore/RefCounted.h>
 
 #include <functional>
+#include <memory>
 
 namespace kivui {
 class UI_SubView;
@@ -23,12 +24,11 @@ public:
     Control(Control const &) = delete;
     Control &operator=(Control const &) = delete;
 
-    kivcore::utility::IntrusivePtr<kivui::UI_SubView> const &GetView() const { return mView; }
+    kivcore::utility::IntrusivePtr<kivui::UI_SubView> const &GetView() const;
 
 private:
-    // Declaration order matters: the callable is destroyed before the view.
-    kivcore::utility::IntrusivePtr<kivui::UI_SubView> mView;
-    std::function<void()> mOnDestroy;
+    struct Private;
+    std::unique_ptr<Private> const d;
 };
 
 } // namespace kivmetadataui

@@ -44,16 +44,16 @@ public:
     void SetViewDefinition(std::shared_ptr<kivmetadata::ViewDefinition> inDefinition);
     // An empty or unknown name changes nothing.
     void SetViewDefinitionByName(std::string const &inName);
-    std::shared_ptr<kivmetadata::ViewDefinition> const &GetViewDefinition() const { return mViewDefinition; }
-    std::shared_ptr<kivmetadata::MetaDataProvider> const &GetMetadataProvider() const { return mMetadataProvider; }
+    std::shared_ptr<kivmetadata::ViewDefinition> const &GetViewDefinition() const;
+    std::shared_ptr<kivmetadata::MetaDataProvider> const &GetMetadataProvider() const;
 
     // Margin mask of the panel's table (1 left, 2 top, 4 right, 8 bottom);
     // takes effect at the next layout.
-    void SetMargins(kivcore::Flags<unsigned char> inMargins) { mMargins = inMargins; }
-    kivcore::Flags<unsigned char> GetMargins() const { return mMargins; }
+    void SetMargins(kivcore::Flags<unsigned char> inMargins);
+    kivcore::Flags<unsigned char> GetMargins() const;
 
     // The table built by the last layout; empty before it and after Refresh.
-    std::shared_ptr<layout::TableLayout> const &GetTableLayout() const { return mTableLayout; }
+    std::shared_ptr<layout::TableLayout> const &GetTableLayout() const;
 
     // The width the view builder works in: 500 less the scroll bar and 26,
     // never less than 400.
@@ -75,10 +75,8 @@ protected:
     void UI_SizeChanged(kivcore::PointF const &inOldSize) override;
 
 private:
-    std::shared_ptr<kivmetadata::MetaDataProvider> mMetadataProvider;
-    std::shared_ptr<kivmetadata::ViewDefinition> mViewDefinition;
-    std::shared_ptr<layout::TableLayout> mTableLayout;
-    kivcore::Flags<unsigned char> mMargins;
+    struct Private;
+    std::unique_ptr<Private> const d;
 };
 
 // Options of the raw-data panel.

@@ -32,13 +32,12 @@ public:
     // nothing. The modified state stays set, so committing again writes again.
     void CommitChanges();
 
-    bool IsModified() const { return mModified; }
-    std::shared_ptr<kivmetadata::MetaDataProvider> const &GetWrappedProvider() const { return mProvider; }
+    bool IsModified() const;
+    std::shared_ptr<kivmetadata::MetaDataProvider> const &GetWrappedProvider() const;
 
 private:
-    std::shared_ptr<kivmetadata::MetaDataProvider> mProvider;
-    std::unique_ptr<kivmetadata::XMPMeta> mMeta;
-    bool mModified = false;
+    struct Private;
+    std::unique_ptr<Private> const d;
 };
 
 } // namespace kivmetadataui

@@ -4,8 +4,6 @@
 
 #include <kivui/ModuleInfo.h>
 
-#include <memory>
-
 namespace kivmetadataui {
 
 // The library's record with the UI toolkit: the toolkit calls Initialize()
@@ -27,9 +25,6 @@ public:
 
 protected:
     ModuleInfo();
-
-private:
-    static std::unique_ptr<ModuleInfo> S_instanceP;
 };
 
 } // namespace kivmetadataui

@@ -30,28 +30,26 @@ public:
     RowItem(RowItem const &) = delete;
     RowItem &operator=(RowItem const &) = delete;
 
-    kivcore::utility::IntrusivePtr<kivui::UI_SubView> const &GetView() const { return mView; }
+    kivcore::utility::IntrusivePtr<kivui::UI_SubView> const &GetView() const;
 
     // Replaces the item of a column (0 or 1) and adds its view to the row.
     void SetColumnItem(std::int32_t inColumn, std::shared_ptr<LayoutItem> inItem);
     // The item of a column, possibly empty; an index outside the slots throws
     // std::out_of_range.
     std::shared_ptr<LayoutItem> GetColumnItem(std::int32_t inColumn) const;
-    std::vector<std::shared_ptr<LayoutItem>> &GetColumns() { return mColumns; }
-    std::vector<std::shared_ptr<LayoutItem>> const &GetColumns() const { return mColumns; }
+    std::vector<std::shared_ptr<LayoutItem>> &GetColumns();
+    std::vector<std::shared_ptr<LayoutItem>> const &GetColumns() const;
 
     // Extra space above the row (ignored for a table's first row).
-    float GetSpaceBefore() const { return mSpaceBefore; }
-    void SetSpaceBefore(float inSpace) { mSpaceBefore = inSpace; }
+    float GetSpaceBefore() const;
+    void SetSpaceBefore(float inSpace);
     // Extra space below the row; kAbutNextRow makes it abut the next row.
-    float GetSpaceAfter() const { return mSpaceAfter; }
-    void SetSpaceAfter(float inSpace) { mSpaceAfter = inSpace; }
+    float GetSpaceAfter() const;
+    void SetSpaceAfter(float inSpace);
 
 private:
-    kivcore::utility::IntrusivePtr<kivui::UI_SubView> mView;
-    std::vector<std::shared_ptr<LayoutItem>> mColumns;
-    float mSpaceBefore = 0.0f;
-    float mSpaceAfter = 0.0f;
+    struct Private;
+    std::unique_ptr<Private> const d;
 };
 
 } // namespace kivmetadataui::layout

@@ -53,10 +53,10 @@ public:
     // Appends a row whose column 0 holds inTableLayout across the whole content width.
     void InsertTable(std::shared_ptr<TableLayout> inTableLayout);
 
-    std::int32_t CountRows() const { return static_cast<std::int32_t>(mRows.size()); }
+    std::int32_t CountRows() const;
     // Throws std::out_of_range for an index outside the rows.
     std::shared_ptr<RowItem> GetRow(std::int32_t inIndex) const;
-    std::vector<std::shared_ptr<RowItem>> const &GetRows() const { return mRows; }
+    std::vector<std::shared_ptr<RowItem>> const &GetRows() const;
 
     // Lays the rows out in the container's current width; returns the
     // resulting height of the table's view.
@@ -71,48 +71,33 @@ public:
     // Bit set: that margin is 10.0, clear: 0.
     void SetMargins(kivcore::Flags<unsigned char> inMask);
 
-    kivcore::utility::IntrusivePtr<kivui::UI_SubView> const &GetView() const { return mView; }
+    kivcore::utility::IntrusivePtr<kivui::UI_SubView> const &GetView() const;
     // The delegate's container view, or the table's own view.
     kivcore::utility::IntrusivePtr<kivui::UI_SubView> GetContainerView();
 
-    float GetLabelWidth() const { return mLabelWidth; }
-    void SetLabelWidth(float inWidth) { mLabelWidth = inWidth; }
-    float GetNestedLabelWidth() const { return mNestedLabelWidth; }
+    float GetLabelWidth() const;
+    void SetLabelWidth(float inWidth);
+    float GetNestedLabelWidth() const;
     // 0: keeps its own label width; non-zero: adopts a wider label width of
     // its parent; exactly 1: also contributes its own to the parent.
-    std::int32_t GetLabelWidthMode() const { return mLabelWidthMode; }
-    void SetLabelWidthMode(std::int32_t inMode) { mLabelWidthMode = inMode; }
+    std::int32_t GetLabelWidthMode() const;
+    void SetLabelWidthMode(std::int32_t inMode);
 
-    float GetLeftMargin() const { return mLeftMargin; }
-    float GetRightMargin() const { return mRightMargin; }
-    float GetTopMargin() const { return mTopMargin; }
-    float GetBottomMargin() const { return mBottomMargin; }
+    float GetLeftMargin() const;
+    float GetRightMargin() const;
+    float GetTopMargin() const;
+    float GetBottomMargin() const;
 
-    std::shared_ptr<TableLayoutDelegate> const &GetDelegate() const { return mDelegate; }
-    void SetDelegate(std::shared_ptr<TableLayoutDelegate> inDelegate) { mDelegate = std::move(inDelegate); }
+    std::shared_ptr<TableLayoutDelegate> const &GetDelegate() const;
+    void SetDelegate(std::shared_ptr<TableLayoutDelegate> inDelegate);
 
     // A collapsed table measures 0 high.
-    bool IsCollapsed() const { return mCollapsed; }
-    void SetCollapsed(bool inCollapsed) { mCollapsed = inCollapsed; }
+    bool IsCollapsed() const;
+    void SetCollapsed(bool inCollapsed);
 
 private:
-    float LayoutWithWidth(bool inFixedWidth);
-    float MeasureHeight();
-    float LayoutRow(RowItem &inRow, float inTop, float inContentWidth);
-    float MeasureLabelWidth(Measurer const &inMeasurer);
-    void ShareLabelWidth(float inWidth);
-
-    kivcore::utility::IntrusivePtr<kivui::UI_SubView> mView;
-    std::vector<std::shared_ptr<RowItem>> mRows;
-    float mLabelWidth = kDefaultLabelWidth;
-    float mNestedLabelWidth = 0.0f;
-    std::int32_t mLabelWidthMode = 0;
-    float mLeftMargin = kMargin;
-    float mRightMargin = kMargin;
-    float mTopMargin = kMargin;
-    float mBottomMargin = kMargin;
-    std::shared_ptr<TableLayoutDelegate> mDelegate;
-    bool mCollapsed = false;
+    struct Private;
+    std::unique_ptr<Private> const d;
 };
 
 } // namespace kivmetadataui::layout

@@ -5,6 +5,7 @@
 #include <kivmetadata/DateTime.h>
 #include <kivui/UI_TextEdit.h>
 
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -33,7 +34,7 @@ public:
     std::optional<std::u16string> ValidateText(std::u16string const &inText) const override;
 
     // The date last stored by SetValue, or by a commit the validation let pass.
-    std::optional<kivmetadata::XMP_DateTime> const &GetDateTime() const { return mDateTime; }
+    std::optional<kivmetadata::XMP_DateTime> const &GetDateTime() const;
 
 protected:
     ~UI_DateTextEdit() override;
@@ -41,8 +42,8 @@ protected:
 private:
     void UpdateInvalidMark(std::u16string const &inText);
 
-    std::optional<kivmetadata::XMP_DateTime> mDateTime;
-    std::shared_ptr<std::function<void(kivui::Message *)>> mEditHandler;
+    struct Private;
+    std::unique_ptr<Private> const d;
 };
 
 } // namespace kivmetadataui

@@ -2,7 +2,7 @@
 // Internal to kivmetadataui: not part of the installed API (exported only so
 // that the library's own tests can reach it).
 
-#include <kivmetadataui/kivmetadataui_export.h>
+#include "kivmetadataui_test_export_p.h"
 
 #include <kivmetadata/Value.h>
 
@@ -47,7 +47,7 @@ class TableLayout;
 // The control is the view of its own table (label | list, then the buttons,
 // then the item editor); the table is held by whoever shows the control, the
 // control keeps only a weak reference to it.
-class KIVMETADATAUI_EXPORT ArrayControl : public kivui::UI_SubView {
+class KIVMETADATAUI_TEST_EXPORT ArrayControl : public kivui::UI_SubView {
 public:
     static constexpr char kInsertKey[] = "$$$/kivmetadataui/ArrayControl/Array/Insert=Insert";
     static constexpr char kDeleteKey[] = "$$$/kivmetadataui/ArrayControl/Array/Delete=Delete";

@@ -2,6 +2,8 @@
 // Internal to kivmetadataui: not part of the installed API (exported only so
 // that the library's own tests can reach it).
 
+#include "kivmetadataui_test_export_p.h"
+
 #include <kivmetadataui/TableLayout.h>
 
 #include <kivmetadata/ViewBuilderInterface.h>
@@ -28,7 +30,7 @@ namespace kivmetadataui::layout {
 
 // Rows go into the scroll view's content view; the content size becomes the
 // scroll view's content rectangle.
-class KIVMETADATAUI_EXPORT ScrollViewLayoutDelegate : public TableLayoutDelegate {
+class KIVMETADATAUI_TEST_EXPORT ScrollViewLayoutDelegate : public TableLayoutDelegate {
 public:
     kivcore::utility::IntrusivePtr<kivui::UI_SubView> GetContainerView(TableLayout &inTable) override;
     void SetContentSize(TableLayout &inTable, kivcore::PointF const &inSize) override;
@@ -36,7 +38,7 @@ public:
 
 // Rows go into the section's content view; the section takes the frame that
 // fits the content (the header alone while it is closed).
-class KIVMETADATAUI_EXPORT SectionViewLayoutDelegate : public TableLayoutDelegate {
+class KIVMETADATAUI_TEST_EXPORT SectionViewLayoutDelegate : public TableLayoutDelegate {
 public:
     kivcore::utility::IntrusivePtr<kivui::UI_SubView> GetContainerView(TableLayout &inTable) override;
     void SetContentSize(TableLayout &inTable, kivcore::PointF const &inSize) override;
@@ -46,7 +48,7 @@ public:
 // scroll view: a row per property (label, bound control), a collapsible
 // nested table per section, a nested table per struct and an array editor
 // per array. Measures label widths and lays the table out when the view ends.
-class KIVMETADATAUI_EXPORT MetadataViewBuilder : public kivmetadata::ViewBuilderInterface {
+class KIVMETADATAUI_TEST_EXPORT MetadataViewBuilder : public kivmetadata::ViewBuilderInterface {
 public:
     static constexpr float kMinimumWidth = 400.0f;
     static constexpr char kLabelWithColon[] = "$$$/metadataui/format/LabelWithColon=@0:";

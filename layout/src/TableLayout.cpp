@@ -90,26 +90,67 @@ LayoutItem::~LayoutItem() = default;
 // ---------------------------------------------------------------------------
 // RowItem
 
+struct RowItem::Private {
+    IntrusivePtr<UI_SubView> mView{new UI_SubView};
+    std::vector<std::shared_ptr<LayoutItem>> mColumns = std::vector<std::shared_ptr<LayoutItem>>(2);
+    float mSpaceBefore = 0.0f;
+    float mSpaceAfter = 0.0f;
+};
+
 RowItem::RowItem()
-    : mView(new UI_SubView)
-    , mColumns(2)
+    : d(std::make_unique<Private>())
 {
-    mView->UI_SetLocalRectF(RectF{0.0f, 0.0f, 0.0f, TableLayout::kMinRowHeight});
-    mView->UI_SetLayoutsChildren(true);
-    mView->UI_SetLayoutBinding(kivui::LayoutBinding(kivui::kBindWidth));
-    mView->UI_Show(true);
+    d->mView->UI_SetLocalRectF(RectF{0.0f, 0.0f, 0.0f, TableLayout::kMinRowHeight});
+    d->mView->UI_SetLayoutsChildren(true);
+    d->mView->UI_SetLayoutBinding(kivui::LayoutBinding(kivui::kBindWidth));
+    d->mView->UI_Show(true);
 }
 
 RowItem::~RowItem() = default;
+
+IntrusivePtr<UI_SubView> const &RowItem::GetView() const
+{
+    return d->mView;
+}
+
+std::vector<std::shared_ptr<LayoutItem>> &RowItem::GetColumns()
+{
+    return d->mColumns;
+}
+
+std::vector<std::shared_ptr<LayoutItem>> const &RowItem::GetColumns() const
+{
+    return d->mColumns;
+}
+
+float RowItem::GetSpaceBefore() const
+{
+    return d->mSpaceBefore;
+}
+
+void RowItem::SetSpaceBefore(float inSpace)
+{
+    d->mSpaceBefore = inSpace;
+}
+
+float RowItem::GetSpaceAfter() const
+{
+    return d->mSpaceAfter;
+}
+
+void RowItem::SetSpaceAfter(float inSpace)
+{
+    d->mSpaceAfter = inSpace;
+}
 
 void RowItem::SetColumnItem(std::int32_t inColumn, std::shared_ptr<LayoutItem> inItem)
 {
     KIV_ASSERT(kUnit, "kivmetadataui::layout::RowItem::SetColumnItem", inItem);
     if (!inItem) return;
-    if (inColumn < 0 || static_cast<std::size_t>(inColumn) >= mColumns.size()) ThrowInvalidSubscript();
+    if (inColumn < 0 || static_cast<std::size_t>(inColumn) >= d->mColumns.size()) ThrowInvalidSubscript();
 
-    auto &slot = mColumns[static_cast<std::size_t>(inColumn)];
-    if (slot && slot->mView) mView->ChildRemove(slot->mView.get());
+    auto &slot = d->mColumns[static_cast<std::size_t>(inColumn)];
+    if (slot && slot->mView) d->mView->ChildRemove(slot->mView.get());
     slot = inItem;
 
     UI_SubView &view = Require(inItem->mView);
@@ -127,12 +168,12 @@ void RowItem::SetColumnItem(std::int32_t inColumn, std::shared_ptr<LayoutItem> i
     }
 
     view.UI_Show(true);
-    mView->ChildPushBack(inItem->mView);
+    d->mView->ChildPushBack(inItem->mView);
 }
 
 std::shared_ptr<LayoutItem> RowItem::GetColumnItem(std::int32_t inColumn) const
 {
-    return At(mColumns, inColumn);
+    return At(d->mColumns, inColumn);
 }
 
 // ---------------------------------------------------------------------------
@@ -143,25 +184,129 @@ TableLayoutDelegate::~TableLayoutDelegate() = default;
 // ---------------------------------------------------------------------------
 // TableLayout
 
+struct TableLayout::Private {
+    explicit Private(TableLayout &inOwner) : q(inOwner) {}
+
+    float LayoutWithWidth(bool inFixedWidth);
+    float MeasureHeight();
+    float LayoutRow(RowItem &inRow, float inTop, float inContentWidth);
+    float MeasureLabelWidth(Measurer const &inMeasurer);
+    void ShareLabelWidth(float inWidth);
+
+    TableLayout &q;
+    IntrusivePtr<UI_SubView> mView;
+    std::vector<std::shared_ptr<RowItem>> mRows;
+    float mLabelWidth = kDefaultLabelWidth;
+    float mNestedLabelWidth = 0.0f;
+    std::int32_t mLabelWidthMode = 0;
+    float mLeftMargin = kMargin;
+    float mRightMargin = kMargin;
+    float mTopMargin = kMargin;
+    float mBottomMargin = kMargin;
+    std::shared_ptr<TableLayoutDelegate> mDelegate;
+    bool mCollapsed = false;
+};
+
 TableLayout::TableLayout(IntrusivePtr<UI_SubView> inView)
+    : d(std::make_unique<Private>(*this))
 {
     KIV_ASSERT(kUnit, "kivmetadataui::layout::TableLayout::TableLayout", inView);
-    mView = std::move(inView);
+    d->mView = std::move(inView);
 }
 
 TableLayout::~TableLayout() = default;
 
 IntrusivePtr<UI_SubView> TableLayout::GetContainerView()
 {
-    if (mDelegate) return mDelegate->GetContainerView(*this);
-    return mView;
+    if (d->mDelegate) return d->mDelegate->GetContainerView(*this);
+    return d->mView;
+}
+
+std::int32_t TableLayout::CountRows() const
+{
+    return static_cast<std::int32_t>(d->mRows.size());
+}
+
+std::vector<std::shared_ptr<RowItem>> const &TableLayout::GetRows() const
+{
+    return d->mRows;
+}
+
+IntrusivePtr<UI_SubView> const &TableLayout::GetView() const
+{
+    return d->mView;
+}
+
+float TableLayout::GetLabelWidth() const
+{
+    return d->mLabelWidth;
+}
+
+void TableLayout::SetLabelWidth(float inWidth)
+{
+    d->mLabelWidth = inWidth;
+}
+
+float TableLayout::GetNestedLabelWidth() const
+{
+    return d->mNestedLabelWidth;
+}
+
+std::int32_t TableLayout::GetLabelWidthMode() const
+{
+    return d->mLabelWidthMode;
+}
+
+void TableLayout::SetLabelWidthMode(std::int32_t inMode)
+{
+    d->mLabelWidthMode = inMode;
+}
+
+float TableLayout::GetLeftMargin() const
+{
+    return d->mLeftMargin;
+}
+
+float TableLayout::GetRightMargin() const
+{
+    return d->mRightMargin;
+}
+
+float TableLayout::GetTopMargin() const
+{
+    return d->mTopMargin;
+}
+
+float TableLayout::GetBottomMargin() const
+{
+    return d->mBottomMargin;
+}
+
+std::shared_ptr<TableLayoutDelegate> const &TableLayout::GetDelegate() const
+{
+    return d->mDelegate;
+}
+
+void TableLayout::SetDelegate(std::shared_ptr<TableLayoutDelegate> inDelegate)
+{
+    d->mDelegate = std::move(inDelegate);
+}
+
+bool TableLayout::IsCollapsed() const
+{
+    return d->mCollapsed;
+}
+
+void TableLayout::SetCollapsed(bool inCollapsed)
+{
+    d->mCollapsed = inCollapsed;
 }
 
 void TableLayout::InsertRow(std::shared_ptr<RowItem> inRowItem)
 {
     KIV_ASSERT(kUnit, "kivmetadataui::layout::TableLayout::InsertRow", inRowItem);
     if (!inRowItem) return;
-    mRows.push_back(inRowItem);
+    d->mRows.push_back(inRowItem);
     if (auto container = GetContainerView()) container->ChildPushBack(inRowItem->GetView());
 }
 
@@ -181,19 +326,19 @@ void TableLayout::InsertTable(std::shared_ptr<TableLayout> inTableLayout)
 
 std::shared_ptr<RowItem> TableLayout::GetRow(std::int32_t inIndex) const
 {
-    return At(mRows, inIndex);
+    return At(d->mRows, inIndex);
 }
 
 void TableLayout::SetMargins(kivcore::Flags<unsigned char> inMask)
 {
     auto margin = [&](unsigned char inBit) { return inMask.IsSet(inBit) ? kMargin : 0.0f; };
-    mLeftMargin = margin(kMarginLeft);
-    mTopMargin = margin(kMarginTop);
-    mRightMargin = margin(kMarginRight);
-    mBottomMargin = margin(kMarginBottom);
+    d->mLeftMargin = margin(kMarginLeft);
+    d->mTopMargin = margin(kMarginTop);
+    d->mRightMargin = margin(kMarginRight);
+    d->mBottomMargin = margin(kMarginBottom);
 }
 
-float TableLayout::LayoutRow(RowItem &inRow, float inTop, float inContentWidth)
+float TableLayout::Private::LayoutRow(RowItem &inRow, float inTop, float inContentWidth)
 {
     UI_SubView &rowView = Require(inRow.GetView());
     float const rowHeight = rowView.UI_GetLocalRectF(false).height;
@@ -231,11 +376,11 @@ float TableLayout::LayoutRow(RowItem &inRow, float inTop, float inContentWidth)
     return height;
 }
 
-float TableLayout::MeasureHeight()
+float TableLayout::Private::MeasureHeight()
 {
     if (mCollapsed) return 0.0f;
 
-    auto const container = GetContainerView();
+    auto const container = q.GetContainerView();
     float const contentWidth =
         container ? container->UI_GetLocalRectF(false).width - mLeftMargin - mRightMargin : 0.0f;
 
@@ -251,10 +396,10 @@ float TableLayout::MeasureHeight()
     return y + mBottomMargin;
 }
 
-float TableLayout::LayoutWithWidth(bool inFixedWidth)
+float TableLayout::Private::LayoutWithWidth(bool inFixedWidth)
 {
     UI_SubView &view = Require(mView);
-    auto const container = GetContainerView();
+    auto const container = q.GetContainerView();
     float const width = container ? container->UI_GetLocalRectF(false).width : 0.0f;
     float const height = MeasureHeight();
 
@@ -264,7 +409,7 @@ float TableLayout::LayoutWithWidth(bool inFixedWidth)
         RectF const own = view.UI_GetLocalRectF(true);
         view.UI_SetLocalRectF(RectF{own.x, own.y, width, height});
     } else {
-        mDelegate->SetContentSize(*this, kivcore::PointF{inFixedWidth ? kFixedContentWidth : width, height});
+        mDelegate->SetContentSize(q, kivcore::PointF{inFixedWidth ? kFixedContentWidth : width, height});
     }
     view.UI_SetLayoutsChildren(layouts);
     return view.UI_GetLocalRectF(false).height;
@@ -272,15 +417,15 @@ float TableLayout::LayoutWithWidth(bool inFixedWidth)
 
 float TableLayout::Layout()
 {
-    return LayoutWithWidth(false);
+    return d->LayoutWithWidth(false);
 }
 
 float TableLayout::LayoutFixedWidth()
 {
-    return LayoutWithWidth(true);
+    return d->LayoutWithWidth(true);
 }
 
-float TableLayout::MeasureLabelWidth(Measurer const &inMeasurer)
+float TableLayout::Private::MeasureLabelWidth(Measurer const &inMeasurer)
 {
     mLabelWidth = kDefaultLabelWidth;
     mNestedLabelWidth = 0.0f;
@@ -291,9 +436,9 @@ float TableLayout::MeasureLabelWidth(Measurer const &inMeasurer)
         float width = 0.0f;
         if (auto const &label = At(columns, 0)) {
             if (label->mKind == LayoutItem::kItemKind_Table && label->mTable) {
-                float const nested = label->mTable->MeasureLabelWidth(inMeasurer);
+                float const nested = label->mTable->d->MeasureLabelWidth(inMeasurer);
                 mNestedLabelWidth = std::max(mNestedLabelWidth, nested);
-                width = label->mTable->mLabelWidthMode == 1 ? nested : 0.0f;
+                width = label->mTable->d->mLabelWidthMode == 1 ? nested : 0.0f;
             } else {
                 width = inMeasurer(*label);
             }
@@ -302,12 +447,12 @@ float TableLayout::MeasureLabelWidth(Measurer const &inMeasurer)
 
         auto const &content = At(columns, 1);
         if (content && content->mKind == LayoutItem::kItemKind_Table && content->mTable)
-            content->mTable->MeasureLabelWidth(inMeasurer);
+            content->mTable->d->MeasureLabelWidth(inMeasurer);
     }
     return mLabelWidth;
 }
 
-void TableLayout::ShareLabelWidth(float inWidth)
+void TableLayout::Private::ShareLabelWidth(float inWidth)
 {
     // Sharing only ever widens a label column.
     if (mLabelWidthMode != 0 && mLabelWidth < inWidth && mLabelWidth < kMaxLabelWidth)
@@ -315,13 +460,13 @@ void TableLayout::ShareLabelWidth(float inWidth)
     for (auto const &row : mRows) {
         auto const &label = At(row->GetColumns(), 0);
         if (label && label->mKind == LayoutItem::kItemKind_Table && label->mTable)
-            label->mTable->ShareLabelWidth(inWidth);
+            label->mTable->d->ShareLabelWidth(inWidth);
     }
 }
 
 void TableLayout::UpdateLabelWidth(Measurer const &inMeasurer)
 {
-    ShareLabelWidth(MeasureLabelWidth(inMeasurer));
+    d->ShareLabelWidth(d->MeasureLabelWidth(inMeasurer));
 }
 
 } // namespace kivmetadataui::layout
