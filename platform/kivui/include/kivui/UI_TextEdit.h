@@ -3,6 +3,7 @@
 #include <kivui/UI_InteractiveControlView.h>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -55,6 +56,12 @@ public:
     // A warning text refuses inText as the committed value.
     virtual std::optional<std::u16string> ValidateText(std::u16string const &inText) const;
 
+    // Shows the warning of a refused commit, for every text edit of the
+    // process. The toolkit's dialogs install a stop alert when the library
+    // loads; with none installed the commit is refused silently.
+    using ValidationWarningPresenter = std::function<void(UI_TextEdit &inEdit, std::u16string const &inWarning)>;
+    static void SetValidationWarningPresenter(ValidationWarningPresenter inPresenter);
+
     kivcore::PointF GetPreferredSize(drawbot::Drawbot const *inDrawbot) const override;
 
     // The Qt editor (exactly one of them is non-null).
@@ -74,8 +81,9 @@ protected:
 
     QWidget *GetEditorWidget() const;
     void UpdateEnabledState() override;
-    // Shows a refused commit's warning; tests of subclasses may rely on the
-    // toolkit's scripted message-box responses.
+    // Shows a refused commit's warning through the installed presenter;
+    // tests of subclasses may rely on the toolkit's scripted message-box
+    // responses.
     virtual void ShowValidationWarning(std::u16string const &inWarning);
 
 private:

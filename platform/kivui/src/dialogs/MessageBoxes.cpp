@@ -1,6 +1,7 @@
 #include <kivui/MessageBoxes.h>
 
 #include <kivui/UI_Node.h>
+#include <kivui/UI_TextEdit.h>
 #include <kivui/drawbot/SupplierInterface.h>
 
 #include "dialogs/ModalRun_p.h"
@@ -121,5 +122,19 @@ void ShowNote(drawbot::SupplierInterface const *supplier, dialogs::DialogText co
 {
     dialogs::RunMessageBox(QMessageBox::Information, supplier, title, message, parent, dialogs::OkText(), false);
 }
+
+namespace {
+
+// Installed when the library loads, before any text edit can commit; the
+// widgets themselves never depend on the dialogs.
+[[maybe_unused]] bool const sTextEditWarningInstalled = [] {
+    UI_TextEdit::SetValidationWarningPresenter([](UI_TextEdit &inEdit, std::u16string const &inWarning) {
+        ShowStop(inEdit.UI_GetDrawSupplier(), dialogs::DialogText("$$$/kivui/UI_TextEdit/WarningTitle=Warning"),
+                 dialogs::DialogText(inWarning), &inEdit);
+    });
+    return true;
+}();
+
+} // namespace
 
 } // namespace kivui::messagebox

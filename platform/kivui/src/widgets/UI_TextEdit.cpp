@@ -1,8 +1,6 @@
 #include <kivui/UI_TextEdit.h>
 #include <kivui/UI_TextEdit_MS.h>
 
-#include <kivui/MessageBoxes.h>
-
 #include <QEvent>
 #include <QFocusEvent>
 #include <QKeyEvent>
@@ -48,6 +46,16 @@ struct UI_TextEdit::Private {
         settingText = false;
     }
 };
+
+namespace {
+
+UI_TextEdit::ValidationWarningPresenter &InstalledWarningPresenter()
+{
+    static UI_TextEdit::ValidationWarningPresenter presenter;
+    return presenter;
+}
+
+} // namespace
 
 bool TextEditWatcher::eventFilter(QObject *, QEvent *inEvent)
 {
@@ -206,6 +214,11 @@ void UI_TextEdit::SetMaxLength(int inLength)
 
 std::optional<std::u16string> UI_TextEdit::ValidateText(std::u16string const &) const { return std::nullopt; }
 
+void UI_TextEdit::SetValidationWarningPresenter(ValidationWarningPresenter inPresenter)
+{
+    InstalledWarningPresenter() = std::move(inPresenter);
+}
+
 kivcore::PointF UI_TextEdit::GetPreferredSize(drawbot::Drawbot const *) const
 {
     QWidget const *editor = GetEditorWidget();
@@ -264,9 +277,11 @@ bool UI_TextEdit::CommitEditing()
 
 void UI_TextEdit::ShowValidationWarning(std::u16string const &inWarning)
 {
+    // A copy: the presenter runs a modal loop, during which another may be installed.
+    ValidationWarningPresenter const present = InstalledWarningPresenter();
+    if (!present) return;
     d->inWarning = true;
-    messagebox::ShowStop(UI_GetDrawSupplier(), dialogs::DialogText("$$$/kivui/UI_TextEdit/WarningTitle=Warning"),
-                         dialogs::DialogText(inWarning), this);
+    present(*this, inWarning);
     d->inWarning = false;
     if (QWidget *editor = GetEditorWidget(); editor && editor->isVisible()) editor->setFocus(Qt::OtherFocusReason);
 }
