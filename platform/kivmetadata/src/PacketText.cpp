@@ -3,6 +3,7 @@
 #include <kivmetadata/XMPMeta.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <map>
 
 namespace kivmetadata::detail {
@@ -11,10 +12,50 @@ namespace {
 
 constexpr std::string_view kRdfNs = "http://www.w3.org/1999/02/22-rdf-syntax-ns#";
 constexpr std::string_view kXmlNs = "http://www.w3.org/XML/1998/namespace";
+constexpr std::string_view kMetaNs = "adobe:ns:meta/";
 
+bool IsControl(char c)
+{
+    return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
+}
+
+// The toolkit reads every ASCII control character as a blank (it replaces
+// them before parsing), so the text's structure is read the same way here.
 bool IsSpace(char c)
 {
-    return c == ' ' || c == '\t' || c == '\n' || c == '\r';
+    return c == ' ' || IsControl(c);
+}
+
+// Strict UTF-8 without control characters or references. The toolkit
+// reads other bytes as Latin-1 characters and controls as blanks, and the
+// XML parser expands references and blanks in attribute values; a name or
+// namespace URI spelled with any of them would not be found as written.
+bool IsPlainText(std::string_view s)
+{
+    for (std::size_t i = 0; i < s.size();) {
+        unsigned char const lead = static_cast<unsigned char>(s[i]);
+        if (lead < 0x80) {
+            if (IsControl(char(lead)) || lead == '&') return false;
+            ++i;
+            continue;
+        }
+        std::size_t const more = lead >= 0xC2 && lead <= 0xDF   ? 1
+                                 : lead >= 0xE0 && lead <= 0xEF ? 2
+                                 : lead >= 0xF0 && lead <= 0xF4 ? 3
+                                                                : 0;
+        if (more == 0 || s.size() - i <= more) return false;
+        std::uint32_t code = lead & (0x3F >> more);
+        for (std::size_t k = 1; k <= more; ++k) {
+            unsigned char const next = static_cast<unsigned char>(s[i + k]);
+            if ((next & 0xC0) != 0x80) return false;
+            code = code << 6 | (next & 0x3F);
+        }
+        if ((more == 2 && (code < 0x800 || (code >= 0xD800 && code <= 0xDFFF))) ||
+            (more == 3 && (code < 0x10000 || code > 0x10FFFF)))
+            return false;
+        i += more + 1;
+    }
+    return true;
 }
 
 struct Attribute {
@@ -150,6 +191,7 @@ bool PacketText::Scan(std::string &error)
     std::size_t const n = text.size();
     Scopes scopes;
     std::size_t rdfDepth = 0;           // depth of rdf:RDF once open (depth counts it)
+    std::vector<bool> metaElements;     // per open element: is it x:xmpmeta (or x:xapmeta)
     std::size_t elementBegin = 0;       // of the property element being read
     std::size_t rootEnd = std::string::npos;
     std::size_t trailer = std::string::npos;
@@ -189,6 +231,7 @@ bool PacketText::Scan(std::string &error)
                 rdfDepth = 0;
             }
             scopes.Pop();
+            if (!metaElements.empty()) metaElements.pop_back();
             if (scopes.Depth() == 0) rootEnd = tag.mEnd;
             pos = tag.mEnd;
             continue;
@@ -196,8 +239,13 @@ bool PacketText::Scan(std::string &error)
         scopes.Push(tag);
         std::size_t const depth = scopes.Depth();
         std::string const uri = scopes.Resolve(PrefixOf(tag.mQName));
+        bool const inMeta = !metaElements.empty() && metaElements.back();
+        metaElements.push_back(uri == kMetaNs && (LocalOf(tag.mQName) == "xmpmeta" || LocalOf(tag.mQName) == "xapmeta"));
         if (!rdfDepth && uri == kRdfNs && LocalOf(tag.mQName) == "RDF") {
             if (rdfSeen) return error = "the packet has two rdf:RDF elements", false;
+            // The toolkit reads an rdf:RDF only right inside x:xmpmeta; edits
+            // anywhere else would be lost on reading.
+            if (!inMeta) return error = "the packet's rdf:RDF element is not inside x:xmpmeta", false;
             rdfSeen = true;
             rdfDepth = depth;
             if (tag.mKind == Tag::kEmpty) {
@@ -219,18 +267,23 @@ bool PacketText::Scan(std::string &error)
                 std::string const attributeNs = scopes.Resolve(prefix);
                 if (attributeNs == kRdfNs || attributeNs == kXmlNs) continue;
                 if (attributeNs.empty()) return error = "a prefix is not declared", false;
+                if (!IsPlainText(attributeNs) || !IsPlainText(attribute.mQName))
+                    return error = "a property's name or namespace is not plain UTF-8 text", false;
                 mOccurrences.push_back({attributeNs, std::string(LocalOf(attribute.mQName)), attribute.mSpaceBegin,
                                         attribute.mEnd, true, index});
             }
             mDescriptions.push_back(std::move(description));
         } else if (rdfDepth && depth == rdfDepth + 2) {
             if (uri.empty()) return error = "a prefix is not declared", false;
+            if (!IsPlainText(uri) || !IsPlainText(tag.mQName))
+                return error = "a property's name or namespace is not plain UTF-8 text", false;
             elementBegin = tag.mBegin;
             mOccurrences.push_back({uri, std::string(LocalOf(tag.mQName)), elementBegin, tag.mEnd, false,
                                     int(mDescriptions.size()) - 1});
         }
         if (tag.mKind == Tag::kEmpty) {
             scopes.Pop();
+            metaElements.pop_back();
             if (scopes.Depth() == 0) rootEnd = tag.mEnd;
         }
         pos = tag.mEnd;

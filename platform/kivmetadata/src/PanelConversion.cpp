@@ -18,6 +18,7 @@
 #include <QDir>
 #include <QXmlStreamReader>
 
+#include <algorithm>
 #include <map>
 
 namespace kivmetadata::utility {
@@ -141,6 +142,13 @@ bool ReadTextPanel(std::string const &bytes, OldPanel &panel, std::string &error
         ++lineNumber;
         QString const line = rawLine.trimmed();
         if (line.isEmpty() || line.startsWith(QLatin1Char('#'))) continue;
+        // The converted panel is XML, which cannot hold these.
+        if (std::any_of(line.begin(), line.end(), [](QChar c) {
+                return (c.unicode() < 0x20 && c != u'\t') || c.unicode() == 0xFFFE || c.unicode() == 0xFFFF;
+            })) {
+            error = "line " + std::to_string(lineNumber) + " has a character that panel files cannot hold";
+            return false;
+        }
         int const colon = line.indexOf(QLatin1Char(':'));
         if (colon <= 0) {
             error = "line " + std::to_string(lineNumber) + " is not \"key: value\"";

@@ -462,6 +462,13 @@ bool ParseTiff(std::string_view f, TiffLayout &layout, std::string &error)
             error = "TIFF: the XMP packet of tag 700 runs past the end of the file";
             return false;
         }
+        // Written in place, such a packet would overwrite the file's structure.
+        if (layout.mPacketLength > 4 &&
+            (layout.mPacket < 8 ||
+             (layout.mPacket < layout.IfdEnd() && layout.mPacket + layout.mPacketLength > layout.mIfd0))) {
+            error = "TIFF: the XMP packet of tag 700 overlaps the header or IFD0";
+            return false;
+        }
     }
     return true;
 }
