@@ -8,6 +8,14 @@ function(kiv_set_warnings target)
   endif()
 endfunction()
 
+# kiv_strict_qt_strings(<target>)
+# No implicit conversions between QString and 8-bit text: every such place
+# says which encoding it means (QStringLiteral, fromUtf8, toUtf8, ...).
+function(kiv_strict_qt_strings target)
+  target_compile_definitions(${target} PRIVATE
+    QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_CAST_FROM_BYTEARRAY QT_NO_URL_CAST_FROM_STRING)
+endfunction()
+
 # kiv_add_library(<name> SOURCES ... [PUBLIC_LINK ...] [PRIVATE_LINK ...])
 # A shared library of this project: hidden visibility, generated export header
 # <name>/<name>_export.h, public headers in <folder>/include, warnings as errors.
@@ -54,6 +62,10 @@ function(kiv_add_gtest name)
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE ${ARG_LINK} ${ARG_MAIN} GTest::gtest GTest::gmock)
   kiv_set_warnings(${name})
+  # The code under test is optimised in its libraries; the test code itself,
+  # mostly GoogleTest macros, builds 2-3x faster unoptimised and without
+  # debug information. A Debug build keeps its flags.
+  target_compile_options(${name} PRIVATE "$<$<NOT:$<CONFIG:Debug>>:-O0;-g0>")
   gtest_discover_tests(${name}
     DISCOVERY_MODE PRE_TEST
     DISCOVERY_TIMEOUT 60
