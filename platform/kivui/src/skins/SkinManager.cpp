@@ -76,8 +76,10 @@ struct State {
 
 State &Global()
 {
-    static State state;
-    return state;
+    // Never destroyed: module records of other libraries unregister from their
+    // own static destructors, which may run after this one's would have.
+    static State *const state = new State;
+    return *state;
 }
 
 void InitializeModules()
