@@ -15,7 +15,7 @@
 # status non-zero; the input that caused it is kept in build-fuzz/crashes/.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
-all=(fuzz_date_parser fuzz_xml_name fuzz_user_files fuzz_xmp_containers fuzz_packet_text)
+all=(fuzz_date_parser fuzz_xml_name fuzz_user_files fuzz_xmp_containers fuzz_packet_text fuzz_packet_panels)
 
 ci=0
 seconds=""
