@@ -498,7 +498,10 @@ void UI_MultiColumnTree::SelectRow(RowPtr const &inRow, bool inSelect)
     if (!inSelect) flags |= QItemSelectionModel::Deselect;
     else if (mode == SelectionMode::kSingle) flags |= QItemSelectionModel::ClearAndSelect;
     else flags |= QItemSelectionModel::Select;
-    d->view->selectionModel()->select(d->model->IndexForRow(inRow.get()), flags);
+    QModelIndex const index = d->model->IndexForRow(inRow.get());
+    // A selected row is also where the arrow keys continue from.
+    if (inSelect) d->view->selectionModel()->setCurrentIndex(index, flags);
+    else d->view->selectionModel()->select(index, flags);
 }
 
 void UI_MultiColumnTree::ClearSelection() { d->view->selectionModel()->clearSelection(); }
