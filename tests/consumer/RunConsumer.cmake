@@ -8,7 +8,28 @@ function(run)
   set(last_output "${out}" PARENT_SCOPE)
 endfunction()
 run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${prefix})
-run(${CMAKE_COMMAND} -S ${SOURCE_DIR} -B ${WORK_DIR}/build -DCMAKE_PREFIX_PATH=${prefix})
+
+# The embedding example is taken from its documentation, so that the page
+# shows code that builds and runs: each file follows a "<!-- file: NAME -->"
+# line as the next fenced block.
+file(READ ${DOCS_FILE} docs)
+foreach(name HostWindow.h main.cpp)
+  string(FIND "${docs}" "<!-- file: ${name} -->" at)
+  if(at EQUAL -1)
+    message(FATAL_ERROR "${DOCS_FILE} gives no ${name}")
+  endif()
+  string(SUBSTRING "${docs}" ${at} -1 rest)
+  string(FIND "${rest}" "```cpp\n" open)
+  math(EXPR open "${open} + 7")
+  string(SUBSTRING "${rest}" ${open} -1 rest)
+  string(FIND "${rest}" "\n```" close)
+  math(EXPR close "${close} + 1")
+  string(SUBSTRING "${rest}" 0 ${close} code)
+  file(WRITE ${WORK_DIR}/example/${name} "${code}")
+endforeach()
+
+run(${CMAKE_COMMAND} -S ${SOURCE_DIR} -B ${WORK_DIR}/build -DCMAKE_PREFIX_PATH=${prefix}
+    -DEXAMPLE_DIR=${WORK_DIR}/example)
 run(${CMAKE_COMMAND} --build ${WORK_DIR}/build)
 run(${CMAKE_COMMAND} -E env LD_LIBRARY_PATH=${prefix}/lib:${prefix}/lib64 QT_QPA_PLATFORM=offscreen
     ${WORK_DIR}/build/consumer)
