@@ -1,0 +1,7 @@
+#include <kivmetadataui/FocusMover.h>
+
+namespace kivmetadataui {
+
+FocusMover::~FocusMover() = default;
+
+} // namespace kivmetadataui
