@@ -16,6 +16,8 @@
 #include <kivcore/Assert.h>
 
 #include <algorithm>
+#include <unordered_map>
+#include <unordered_set>
 
 namespace kivmetadata {
 
@@ -154,15 +156,21 @@ void MetaDataProvider::GetAllPathsForDynamicSchema(std::string const &ns,
     XMPMeta const *meta = MetaForReading();
     if (!meta || ns.empty() || NamespaceDefinition(ns)) return;
     auto schema = DynamicSchema(ns);
+    // Indexed by name: a packet may hold thousands of unknown properties.
+    std::unordered_map<std::string, std::shared_ptr<PropertyDefinition>> known;
+    for (auto const &property : schema->mProperties)
+        if (property) known.emplace(property->mName, property);
+    std::unordered_set<std::string> listed;
+    for (auto const &property : properties)
+        if (property) listed.insert(property->mName);
     for (auto const &path : meta->TopLevelProperties(ns)) {
         std::string const name = LocalName(path);
-        auto definition = schema->FindProperty(name);
+        auto &definition = known[name];
         if (!definition) {
             definition = DefinitionFromPacket(*meta, ns, path, ns);
             schema->mProperties.push_back(definition);
         }
-        if (std::none_of(properties.begin(), properties.end(), [&](auto const &p) { return p && p->mName == name; }))
-            properties.push_back(definition);
+        if (listed.insert(name).second) properties.push_back(definition);
     }
 }
 
