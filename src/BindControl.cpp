@@ -1,6 +1,7 @@
 #include <kivmetadataui/BindControl.h>
 
 #include "BindControl_p.h"
+#include "ValueDisplay_p.h"
 
 #include <kivmetadataui/ControlKind.h>
 
@@ -33,6 +34,7 @@
 #include <kivui/UI_TextEdit.h>
 #include <kivui/UI_URLEdit.h>
 
+#include <QLocale>
 #include <QStringList>
 #include <QVariant>
 #include <QWidget>
@@ -70,6 +72,18 @@ constexpr char kStaticTextMultipleValues[] =
 constexpr char kDublinCore[] = "http://purl.org/dc/elements/1.1/";
 // Marks a text control whose multiple-values handler is installed.
 constexpr char kHandlerInstalledProperty[] = "kivMultipleValuesHandler";
+// The tooltip a control had before the stored value was added to it.
+constexpr char kBaseToolTipProperty[] = "kivBaseToolTip";
+constexpr char kStoredValueKey[] = "$$$/kivmetadataui/UpdateControl/StoredValueToolTip=Stored as: @0";
+
+// Values longer than this are shown shortened: laying out a megabyte of text
+// takes seconds. A shortened text is never editable in place, so it can never
+// be written back in place of the value.
+constexpr std::size_t kMaxShownLength = 2000;
+constexpr char kShortenedKey[] = "$$$/kivmetadataui/UpdateControl/ShortenedValue=#{hellip} (@0 characters in all)";
+constexpr char kShortenedItemsKey[] = "$$$/kivmetadataui/UpdateControl/ShortenedItems=#{hellip} (@0 items in all)";
+// Marks a text control made read-only because it shows a shortened value.
+constexpr char kShortenedProperty[] = "kivShortenedValue";
 
 // Text modes of the toolkit's static text.
 constexpr int kTextModePlain = 2;
@@ -116,6 +130,35 @@ std::u16string MultipleValuesText(Value const &inValue, char const *inKey)
     return Localizer::Localize(inKey);
 }
 
+// A control that shows a value in another form than the stored one names
+// the stored text in its tooltip; `inStored` empty takes that line away.
+void ShowStoredValueInToolTip(kivui::UI_ControlView &inControl, std::u16string const &inStored)
+{
+    QWidget *widget = inControl.UI_GetWidget();
+    if (!widget) return;
+    QVariant base = widget->property(kBaseToolTipProperty);
+    if (!base.isValid()) {
+        if (inStored.empty()) return;
+        base = QString::fromStdU16String(inControl.GetToolTip());
+        widget->setProperty(kBaseToolTipProperty, base);
+    }
+    std::u16string tip = base.toString().toStdU16String();
+    if (!inStored.empty()) {
+        const std::u16string line = Localizer::Localize(kStoredValueKey, {inStored});
+        tip = tip.empty() ? line : tip + u"\n" + line;
+    }
+    inControl.SetToolTip(tip);
+}
+
+// The stored text when the control shows it otherwise, else empty.
+std::u16string StoredIfShownOtherwise(GetValueResult inResult, std::string const &inStored,
+                                      std::u16string const &inShown)
+{
+    if (inResult != kivmetadata::kGetValueResult_OneValue || inStored.empty()) return {};
+    std::u16string stored = Utf8ToUtf16(inStored);
+    return stored == inShown ? std::u16string() : stored;
+}
+
 // Statuses 0 and 1 leave the control restricted, 2 leaves it free; the
 // second call decides.
 void ApplyStatus(Value const &inValue, kivui::UI_ControlView &inControl, GetValueResult inResult)
@@ -155,6 +198,67 @@ void InstallMultipleValuesHandler(kivui::UI_TextEdit &inControl)
         std::make_shared<std::function<void(kivui::Message *)>>(&OnTextEditInteraction));
 }
 
+// The items EntriesOfText would split an array's text into, without making them.
+std::size_t CountEntries(std::u16string const &inText)
+{
+    std::size_t count = 0;
+    bool filled = false;
+    for (char16_t const c : inText) {
+        if (c == u';') {
+            count += filled;
+            filled = false;
+        } else if (!filled && !QChar::isSpace(c)) {
+            filled = true;
+        }
+    }
+    return count + filled;
+}
+
+// `inText` shortened for showing, or nothing when it is short enough. The
+// text of an array keeps whole items and is followed by their count.
+std::optional<std::u16string> Shortened(std::u16string const &inText, bool inArray = false)
+{
+    if (inText.size() <= kMaxShownLength) return std::nullopt;
+    std::size_t length = kMaxShownLength;
+    std::size_t const lastItemEnd = inArray ? inText.rfind(u';', length) : std::u16string::npos;
+    if (lastItemEnd != std::u16string::npos && lastItemEnd > 0) length = lastItemEnd + 1;
+    else if (QChar::isHighSurrogate(inText[length - 1])) --length;
+    QLocale locale;
+    if (locale.language() == QLocale::C) locale = QLocale(QLocale::English); // C omits group separators
+    std::size_t const count = inArray ? CountEntries(inText) : inText.size();
+    return inText.substr(0, length) + (inArray ? u" " : u"") +
+           Localizer::Localize(inArray ? kShortenedItemsKey : kShortenedKey,
+                                                          {locale.toString(qlonglong(count)).toStdU16String()});
+}
+
+bool IsTextArray(Value const &inValue)
+{
+    const auto type = kivmetadata::PrimitiveTypeOfPath(inValue.mPath);
+    return type && (*type == kivmetadata::kPrimitiveType_TextBag || *type == kivmetadata::kPrimitiveType_TextSeq);
+}
+
+bool ShowsShortenedValue(kivui::UI_TextEdit const &inControl)
+{
+    QWidget const *widget = inControl.UI_GetWidget();
+    return widget && widget->property(kShortenedProperty).toBool();
+}
+
+// A control that shows a shortened value is read-only until it shows a whole
+// one again; a control read-only for other reasons stays so.
+void MarkShortened(kivui::UI_TextEdit &inControl, bool inShortened)
+{
+    QWidget *widget = inControl.UI_GetWidget();
+    if (!widget) return;
+    bool const was = ShowsShortenedValue(inControl);
+    if (inShortened && !was && !inControl.IsReadOnlyMode()) {
+        inControl.SetReadOnlyMode(true);
+        widget->setProperty(kShortenedProperty, true);
+    } else if (!inShortened && was) {
+        inControl.SetReadOnlyMode(false);
+        widget->setProperty(kShortenedProperty, false);
+    }
+}
+
 void UpdateTextControl(Value const &inValue, kivui::UI_TextEdit &inControl)
 {
     std::string text;
@@ -165,9 +269,12 @@ void UpdateTextControl(Value const &inValue, kivui::UI_TextEdit &inControl)
             inControl.SetUnknownStateText(MultipleValuesText(inValue, kEditTextMultipleValues));
             inControl.SetValueUnknown(true);
         }
+        MarkShortened(inControl, false);
     } else {
-        inControl.SetValue(result == kivmetadata::kGetValueResult_OneValue ? Utf8ToUtf16(text) : std::u16string(),
-                           false);
+        std::u16string value = result == kivmetadata::kGetValueResult_OneValue ? Utf8ToUtf16(text) : std::u16string();
+        std::optional<std::u16string> shortened = Shortened(value, IsTextArray(inValue));
+        inControl.SetValue(shortened ? *shortened : value, false);
+        MarkShortened(inControl, shortened.has_value());
     }
     InstallMultipleValuesHandler(inControl);
     ApplyStatus(inValue, inControl, result);
@@ -185,6 +292,7 @@ void WriteBack(Value const &inValue, Write &&inWrite)
 
 void UpdateTextValue(Value const &inValue, kivui::UI_TextEdit const &inControl)
 {
+    if (ShowsShortenedValue(inControl)) return;
     const std::u16string text = inControl.GetValue();
     const bool remove = inControl.IsValueUnknown() || text.empty();
     WriteBack(inValue, [&] {
@@ -195,11 +303,8 @@ void UpdateTextValue(Value const &inValue, kivui::UI_TextEdit const &inControl)
 // The items of a text as the metadata model splits arrays.
 std::vector<std::u16string> EntriesOfText(Value const &inValue, std::u16string const &inText)
 {
-    const auto primitiveType = kivmetadata::PrimitiveTypeOfPath(inValue.mPath);
-    const bool isArray = primitiveType && (*primitiveType == kivmetadata::kPrimitiveType_TextBag ||
-                                           *primitiveType == kivmetadata::kPrimitiveType_TextSeq);
     std::vector<std::u16string> entries;
-    if (!isArray) {
+    if (!IsTextArray(inValue)) {
         entries.push_back(kivcore::utility::Trim(inText));
         return entries;
     }
@@ -300,6 +405,8 @@ void UpdateControl(Value const &inValue, ControlPtr<UI_DateTextEdit> const &inCo
         }
     } else if (!inControl->IsEditing()) {
         inControl->SetValue(result == kivmetadata::kGetValueResult_OneValue ? Utf8ToUtf16(text) : std::u16string());
+        // The field shows dates normalised; what is stored may read otherwise.
+        ShowStoredValueInToolTip(*inControl, StoredIfShownOtherwise(result, text, inControl->GetValue()));
     }
     ApplyStatus(inValue, *inControl, result);
 }
@@ -313,6 +420,7 @@ void UpdateControl(Value const &inValue, ControlPtr<kivui::UI_StaticText> const 
     const bool address = definition && (definition->mTypeId == "uri" || definition->mTypeId == "url" ||
                                         definition->mTypeId == "xpath");
     inControl->SetTextMode(address ? kTextModeAddress : kTextModePlain);
+    std::u16string shownText;
     if (result == kivmetadata::kGetValueResult_SeveralValues) {
         inControl->SetText(MultipleValuesText(inValue, kStaticTextMultipleValues));
     } else {
@@ -328,8 +436,20 @@ void UpdateControl(Value const &inValue, ControlPtr<kivui::UI_StaticText> const 
                 }
             }
         }
-        inControl->SetText(found ? shown : ChoiceDisplayFromRawValue(definition, text));
+        if (!found) {
+            shown = ChoiceDisplayFromRawValue(definition, text);
+            // A value that no choice names is shown as people read it.
+            if (definition && shown == Utf8ToUtf16(text)) {
+                if (auto formatted = FormatForDisplay(DisplayFormOf(*definition), text)) shown = std::move(*formatted);
+            }
+        }
+        std::optional<std::u16string> shortened = Shortened(shown);
+        inControl->SetText(shortened ? *shortened : shown);
+        shownText = std::move(shown);
     }
+    std::u16string stored = StoredIfShownOtherwise(result, text, shownText);
+    if (auto shortened = Shortened(stored)) stored = std::move(*shortened);
+    ShowStoredValueInToolTip(*inControl, stored);
     ApplyStatus(inValue, *inControl, result);
 }
 
@@ -444,11 +564,16 @@ void UpdateValue(Value const &inValue, ControlPtr<UI_DateTextEdit> const &inCont
     const std::u16string text = inControl->GetValue();
     if (inControl->IsValueUnknown() || text.empty()) {
         WriteBack(inValue, [&] { return kivmetadata::DeleteValue(inValue); });
-        return;
+    } else {
+        kivmetadata::XMP_DateTime date;
+        if (!ParseDateTimeStr(text, date)) return; // refused by the validation already
+        WriteBack(inValue, [&] { return kivmetadata::SetValue(inValue, kivmetadata::ConvertFromDate(date)); });
     }
-    kivmetadata::XMP_DateTime date;
-    if (!ParseDateTimeStr(text, date)) return; // refused by the validation already
-    WriteBack(inValue, [&] { return kivmetadata::SetValue(inValue, kivmetadata::ConvertFromDate(date)); });
+    // The binding does not show its own writes again: the tooltip names
+    // what is stored now.
+    std::string stored;
+    const GetValueResult result = ReadString(inValue, stored);
+    ShowStoredValueInToolTip(*inControl, StoredIfShownOtherwise(result, stored, inControl->GetValue()));
 }
 
 void UpdateValue(Value const &inValue, ControlPtr<kivui::UI_Checkbox> const &inControl)

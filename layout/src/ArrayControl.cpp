@@ -22,6 +22,8 @@
 #include <kivui/drawbot/Drawbot.h>
 
 #include <QListWidget>
+#include <QListWidgetItem>
+#include <QLocale>
 
 #include <algorithm>
 #include <cmath>
@@ -175,7 +177,7 @@ ArrayControl::ArrayControl(kivmetadata::Value const &inValue, PropertyDefinition
     mOnEdited = std::make_shared<std::function<void(kivui::Message *)>>([this](kivui::Message *) { RefreshItems(); });
 
     QObject::connect(GetListWidget(), &QListWidget::currentRowChanged, GetListWidget(), [this](int inRow) {
-        if (inRow != mSelected) SelectItem(inRow);
+        if (inRow != mSelected && inRow < kMaxListedItems) SelectItem(inRow);
     });
 }
 
@@ -224,7 +226,7 @@ std::u16string ArrayControl::ItemText(int inIndex) const
 std::vector<std::u16string> ArrayControl::GetItemTexts() const
 {
     std::vector<std::u16string> texts;
-    int const count = CountItems();
+    int const count = std::min(CountItems(), kMaxListedItems);
     texts.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i) texts.push_back(ItemText(i));
     return texts;
@@ -234,18 +236,29 @@ void ArrayControl::RefreshItems()
 {
     QListWidget *list = GetListWidget();
     auto const texts = GetItemTexts();
+    int const total = CountItems();
     QSignalBlocker block(list);
     list->clear();
     for (auto const &text : texts)
         list->addItem(QString::fromUtf16(text.data(), static_cast<qsizetype>(text.size())));
-    if (mSelected >= static_cast<int>(texts.size())) mSelected = -1;
+    if (total > static_cast<int>(texts.size())) {
+        QLocale locale;
+        if (locale.language() == QLocale::C) locale = QLocale(QLocale::English); // C omits group separators
+        std::u16string const more = Localizer::Localize(
+            kMoreItemsKey, {locale.toString(total - static_cast<int>(texts.size())).toStdU16String(),
+                            locale.toString(total).toStdU16String()});
+        auto *item = new QListWidgetItem(QString::fromStdU16String(more));
+        item->setFlags(Qt::NoItemFlags);
+        list->addItem(item);
+    }
+    if (mSelected >= total) mSelected = -1;
     // Room for up to five items; more scroll.
-    int const shown = std::clamp(static_cast<int>(texts.size()), 1, 5);
+    int const shown = std::clamp(list->count(), 1, 5);
     int const rowHeight = list->count() > 0 ? list->sizeHintForRow(0) : list->fontMetrics().height() + 2;
     RectF rect = mList->UI_GetLocalRectF(true);
     rect.height = static_cast<float>(shown * std::max(rowHeight, 1) + 2 * list->frameWidth() + 4);
     mList->UI_SetLocalRectF(rect);
-    list->setCurrentRow(mSelected);
+    list->setCurrentRow(mSelected < static_cast<int>(texts.size()) ? mSelected : -1);
     UpdateButtons();
 }
 
@@ -268,7 +281,8 @@ void ArrayControl::SelectItem(int inIndex)
     mSelected = inIndex;
     {
         QSignalBlocker block(GetListWidget());
-        GetListWidget()->setCurrentRow(inIndex);
+        // An item past the listed ones (one just inserted) is edited without a row.
+        GetListWidget()->setCurrentRow(inIndex < kMaxListedItems ? inIndex : -1);
     }
     BuildEditor();
     UpdateButtons();

@@ -1,6 +1,7 @@
 #include <kivmetadata/Definitions.h>
 
 #include "Log_p.h"
+#include "PacketLimits_p.h"
 #include "Registry_p.h"
 
 #include <kivmetadata/ErrorInfo.h>
@@ -58,6 +59,10 @@ bool ReadWholeFile(QString const &path, std::string &bytes, std::string *error)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         if (error) *error = file.errorString().toStdString();
+        return false;
+    }
+    if (std::string refusal = SizeRefusal(std::uint64_t(file.size()), XmlKind::kUserFile); !refusal.empty()) {
+        if (error) *error = std::move(refusal);
         return false;
     }
     QByteArray data = file.readAll();
@@ -502,9 +507,12 @@ bool UnregisterSchemaDefinition(std::string const &ns)
 std::shared_ptr<SchemaDefinition> ParseSchemaDefinition(std::string_view xml, std::u16string const &filePath,
                                                         std::string *error)
 {
-    DefinitionReader reader(xml);
-    std::string message;
-    auto schema = reader.ReadSchema(&message);
+    std::string message = XmlRefusal(xml, XmlKind::kUserFile);
+    std::shared_ptr<SchemaDefinition> schema;
+    if (message.empty()) {
+        DefinitionReader reader(xml);
+        schema = reader.ReadSchema(&message);
+    }
     if (!schema) {
         AddErrorInfo("The schema definition could not be read: " + message + ".",
                      kivcore::utility::Utf16ToUtf8(filePath));
@@ -516,10 +524,9 @@ std::shared_ptr<SchemaDefinition> ParseSchemaDefinition(std::string_view xml, st
 
 bool LoadTypeDefinitions(std::string_view xml, std::string const &origin)
 {
-    DefinitionReader reader(xml);
     std::vector<std::shared_ptr<TypeDefinition>> types;
-    std::string message;
-    if (!reader.ReadTypes(types, &message)) {
+    std::string message = XmlRefusal(xml, XmlKind::kUserFile);
+    if (!message.empty() || !DefinitionReader(xml).ReadTypes(types, &message)) {
         AddErrorInfo("The type definitions could not be read: " + message + ".", origin);
         return false;
     }

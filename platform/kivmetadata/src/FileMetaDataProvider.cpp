@@ -1,6 +1,7 @@
 #include <kivmetadata/FileMetaDataProvider.h>
 
 #include "FileStorage_p.h"
+#include "PacketLimits_p.h"
 #include "PacketText_p.h"
 #include "PropertySnapshot_p.h"
 #include "Registry_p.h"
@@ -233,7 +234,23 @@ std::shared_ptr<FileMetaDataProvider> FileMetaDataProvider::Open(std::u16string 
     if (d.mStored.mStorage == Storage::kReadOnly) d.MakeReadOnly(d.mStored.mReadOnlyReason);
     d.mComplete = !d.mStored.mDamaged;
 
-    bool const malformed = !ParsePackets(d.mStored.mPacket, d.mStored.mExtended, *d.mMeta, message);
+    // A packet past the limits is not parsed at all: a part of it could show
+    // a property as absent that is there, and the parse is what freezes.
+    std::string refusal = d.mStored.mRefusal;
+    if (refusal.empty()) refusal = PacketRefusal(d.mStored.mPacket);
+    if (refusal.empty() && !d.mStored.mExtended.empty()) {
+        refusal = PacketRefusal(d.mStored.mExtended);
+        if (!refusal.empty()) refusal = "in the extended XMP, " + refusal;
+    }
+    bool const refused = !refusal.empty();
+    if (refused) {
+        d.mComplete = false;
+        d.mStored.mPacket.clear();
+        d.mStored.mExtended.clear();
+        if (d.mStored.mRefusal.empty()) d.MakeReadOnly(refusal + ", so its metadata is not shown");
+    }
+
+    bool const malformed = !refused && !ParsePackets(d.mStored.mPacket, d.mStored.mExtended, *d.mMeta, message);
     if (malformed) {
         // Show nothing rather than a partial copy, and never write over it.
         *d.mMeta = XMPMeta();
@@ -246,17 +263,22 @@ std::shared_ptr<FileMetaDataProvider> FileMetaDataProvider::Open(std::u16string 
         }
     }
     d.mStoredSnapshot = TakeSnapshot(*d.mMeta);
-    if (options.mImportLegacy && !isSidecarFile && !malformed) {
+    bool imported = false;
+    if (options.mImportLegacy && !isSidecarFile && !malformed && !refused &&
+        (d.mSidecar.empty() || ToolkitReadRefusal(d.mAbsolute).empty())) {
         // Values from EXIF, TIFF and IPTC fill only what the XMP lacks: the
         // packet as stored wins over a stale legacy block.
         XMPMeta reconciled;
         if (ReadReconciled(d.mAbsolute, reconciled.Handle())) {
             for (Path const &property : TopLevelProperties(reconciled))
-                if (!d.mMeta->DoesPropertyExist(property.mNamespace, property.mPath))
+                if (!d.mMeta->DoesPropertyExist(property.mNamespace, property.mPath)) {
                     ReplaceProperty(reconciled, *d.mMeta, property.mNamespace, property.mPath);
+                    imported = true;
+                }
         }
     }
-    d.mShownSnapshot = TakeSnapshot(*d.mMeta);
+    // Walking a large packet costs as much as parsing it: once is enough.
+    d.mShownSnapshot = imported ? TakeSnapshot(*d.mMeta) : d.mStoredSnapshot;
     if (!d.mWritable) {
         Fail(error, "The file is opened read-only: " + d.mReadOnlyReason + ".", utf8);
     }

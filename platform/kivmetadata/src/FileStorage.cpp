@@ -1,5 +1,6 @@
 #include "FileStorage_p.h"
 
+#include "PacketLimits_p.h"
 #include "XmpHandles_p.h"
 
 #include <QFile>
@@ -95,8 +96,37 @@ void ReadByScanning(std::string const &native, StoredPacket &packet)
     }
 }
 
+// Larger files (video) are left to the toolkit unchecked: reading them whole
+// would cost more than the check saves.
+constexpr qint64 kMaxPrescanBytes = qint64(1) << 30;
+
+// The toolkit's handlers and its scanner parse whatever packet they find as
+// soon as the file is opened, so hostile packets are looked for first.
+bool RefusedBeforeToolkit(QString const &path, StoredPacket &packet)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly) || file.size() == 0 || file.size() > kMaxPrescanBytes) return false;
+    uchar const *mapped = file.map(0, file.size());
+    QByteArray read;
+    std::string_view bytes;
+    if (mapped) {
+        bytes = std::string_view(reinterpret_cast<char const *>(mapped), std::size_t(file.size()));
+    } else {
+        read = file.readAll();
+        bytes = std::string_view(read.constData(), std::size_t(read.size()));
+    }
+    std::string refusal = WrappedPacketsRefusal(bytes);
+    if (mapped) file.unmap(const_cast<uchar *>(mapped));
+    if (refusal.empty()) return false;
+    packet.mStorage = Storage::kReadOnly;
+    packet.mRefusal = std::move(refusal);
+    packet.mReadOnlyReason = packet.mRefusal + ", so its metadata is not shown";
+    return true;
+}
+
 void ReadWithToolkit(QString const &path, StoredPacket &packet)
 {
+    if (RefusedBeforeToolkit(path, packet)) return;
     std::string const native = Utf8(path);
     XmpFile file(xmp_files_open_new(native.c_str(), XmpOpenFileOptions(XMP_OPEN_READ | XMP_OPEN_ONLYXMP |
                                                                         XMP_OPEN_USESMARTHANDLER)));
@@ -146,6 +176,14 @@ bool ReadStoredPacket(QString const &path, bool isSidecar, StoredPacket &packet,
 {
     packet = StoredPacket{};
     if (isSidecar) {
+        packet.mFormatName = "XMP";
+        if (std::string refusal = SizeRefusal(std::uint64_t(QFileInfo(path).size()), XmlKind::kXmpPacket);
+            !refusal.empty()) {
+            packet.mStorage = Storage::kReadOnly;
+            packet.mRefusal = std::move(refusal);
+            packet.mReadOnlyReason = packet.mRefusal + ", so its metadata is not shown";
+            return true;
+        }
         if (!ReadAll(path, packet.mPacket, error)) return false;
         packet.mStorage = Storage::kSidecar;
         packet.mFound = !packet.mPacket.empty();
@@ -183,6 +221,25 @@ bool ReadStoredPacket(QString const &path, bool isSidecar, StoredPacket &packet,
     packet.mOffset = found.mOffset;
     packet.mWhere = std::move(found);
     return true;
+}
+
+std::string ToolkitReadRefusal(QString const &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) return {};
+    QByteArray const head = file.read(16);
+    file.close();
+    XmpContainerKind const kind = DetectXmpContainer(std::string_view(head.constData(), std::size_t(head.size())));
+    if (kind == XmpContainerKind::kNone) {
+        StoredPacket packet;
+        return RefusedBeforeToolkit(path, packet) ? packet.mRefusal : std::string();
+    }
+    std::string bytes, error;
+    XmpContainerPacket found;
+    if (!ReadAll(path, bytes, error) || !ReadXmpContainer(bytes, kind, found, error)) return {};
+    std::string refusal = PacketRefusal(found.mPacket);
+    if (refusal.empty() && !found.mExtended.empty()) refusal = PacketRefusal(found.mExtended);
+    return refusal;
 }
 
 bool ReadReconciled(QString const &path, void *xmpHandle)

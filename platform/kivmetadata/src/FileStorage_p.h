@@ -31,6 +31,9 @@ struct StoredPacket {
     std::string mFormatName;
     std::string mReadOnlyReason;
     bool mDamaged = false; // the container could not be read
+    // Set when the packet was refused before the toolkit could read it (past
+    // the limits of PacketLimits_p.h); the packet is then left empty.
+    std::string mRefusal;
 };
 
 // Reads the packet of `path` (absolute, links allowed). `isSidecar` when the
@@ -38,6 +41,10 @@ struct StoredPacket {
 // all; a file that is readable but cannot be written comes back as kReadOnly
 // with the reason.
 bool ReadStoredPacket(QString const &path, bool isSidecar, StoredPacket &packet, std::string &error);
+
+// Why the toolkit's own readers must not be given `path` (its packet is past
+// the limits of PacketLimits_p.h), or empty.
+std::string ToolkitReadRefusal(QString const &path);
 
 // The values the toolkit's file handler shows for the file, EXIF, TIFF and
 // IPTC reconciled into the XMP. False when it has none.

@@ -1,5 +1,6 @@
 #include <kivmetadata/MRULists.h>
 
+#include "PacketLimits_p.h"
 #include "Registry_p.h"
 
 #include <kivmetadata/ErrorInfo.h>
@@ -42,6 +43,7 @@ std::u16string FilePath()
 
 bool Parse(std::string const &bytes, std::map<std::string, std::vector<std::u16string>> &lists, std::string &error)
 {
+    if (error = XmlRefusal(bytes, XmlKind::kUserFile); !error.empty()) return false;
     QXmlStreamReader reader(QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size())));
     if (!reader.readNextStartElement() || reader.name() != u"mru") {
         error = reader.hasError() ? reader.errorString().toStdString() : "the root element is not <mru>";

@@ -1,5 +1,6 @@
 #include <kivmetadata/PanelConversion.h>
 
+#include "PacketLimits_p.h"
 #include "Registry_p.h"
 
 #include <kivmetadata/Definitions.h>
@@ -71,6 +72,7 @@ std::string Utf8(QStringView text)
 // GX5 by prefixes declared in <namespace> elements.
 bool ReadXmlPanel(std::string const &bytes, GXVersion version, OldPanel &panel, std::string &error)
 {
+    if (error = XmlRefusal(bytes, XmlKind::kUserFile); !error.empty()) return false;
     QXmlStreamReader reader(QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size())));
     if (!reader.readNextStartElement() || reader.name() != u"genericPanel") {
         error = reader.hasError() ? reader.errorString().toStdString() : "the root element is not <genericPanel>";

@@ -1,5 +1,6 @@
 #include <kivmetadata/Templates.h>
 
+#include "PacketLimits_p.h"
 #include "Registry_p.h"
 
 #include <kivmetadata/ErrorInfo.h>
@@ -70,6 +71,8 @@ std::unique_ptr<XMPMeta> LoadTemplate(std::u16string const &name, std::string *e
     std::unique_ptr<XMPMeta> meta;
     if (!ReadWholeFile(ToQString(path), bytes, &message))
         message = "the file cannot be read: " + message;
+    else if (std::string refusal = PacketRefusal(bytes); !refusal.empty())
+        message = refusal;
     else if (!(meta = XMPMeta::Parse(bytes, &message)))
         message = "the packet is malformed: " + message;
     if (!meta) {

@@ -1,6 +1,7 @@
 #include <kivmetadata/ViewDefinitions.h>
 
 #include "Log_p.h"
+#include "PacketLimits_p.h"
 #include "Registry_p.h"
 
 #include <kivmetadata/Definitions.h>
@@ -296,9 +297,12 @@ std::u16string UserPanelDirectory()
 std::shared_ptr<ViewDefinition> ParseViewDefinition(std::string_view xml, std::u16string const &filePath,
                                                     std::string *error)
 {
-    PanelReader reader(xml);
-    std::string message;
-    auto view = reader.Read(message);
+    std::string message = XmlRefusal(xml, XmlKind::kUserFile);
+    std::shared_ptr<ViewDefinition> view;
+    if (message.empty()) {
+        PanelReader reader(xml);
+        view = reader.Read(message);
+    }
     if (!view) {
         AddErrorInfo("The panel could not be read: " + message + ".", kivcore::utility::Utf16ToUtf8(filePath));
         if (error) *error = message;

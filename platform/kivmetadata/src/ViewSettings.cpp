@@ -1,5 +1,6 @@
 #include <kivmetadata/ViewSettings.h>
 
+#include "PacketLimits_p.h"
 #include "Registry_p.h"
 
 #include <kivmetadata/ErrorInfo.h>
@@ -20,6 +21,7 @@ constexpr char kViewSettingsXmlns[] = "urn:kivmetadata:viewsettings:1";
 
 bool Parse(std::string const &text, std::set<Path> &paths, std::string &error)
 {
+    if (error = XmlRefusal(text, XmlKind::kUserFile); !error.empty()) return false;
     QXmlStreamReader reader(QByteArray::fromRawData(text.data(), static_cast<qsizetype>(text.size())));
     if (!reader.readNextStartElement() || reader.name() != u"viewSettings") {
         error = reader.hasError() ? reader.errorString().toStdString() : "the root element is not <viewSettings>";

@@ -1,5 +1,6 @@
 #include <kivmetadata/XMPMeta.h>
 
+#include "PacketLimits_p.h"
 #include "PropertySnapshot_p.h"
 #include "XmpHandles_p.h"
 
@@ -120,6 +121,15 @@ std::unique_ptr<XMPMeta> XMPMeta::Parse(std::string_view packet, std::string *er
 
 bool XMPMeta::ParseFromBuffer(std::string_view packet, std::string *error)
 {
+    if (std::string refusal = detail::PacketRefusal(packet); !refusal.empty()) {
+        if (error) *error = std::move(refusal);
+        return false;
+    }
+    return ParseUnchecked(packet, error);
+}
+
+bool XMPMeta::ParseUnchecked(std::string_view packet, std::string *error)
+{
     // Parse into a fresh object so that a failure leaves this one intact.
     XmpPtr fresh = xmp_new_empty();
     if (!fresh) {
@@ -143,8 +153,11 @@ std::unique_ptr<XMPMeta> XMPMeta::Clone() const
     // again gives an independent one.
     std::string text;
     if (!Serialize(text, kSerializeOmitPacketWrapper, 0, nullptr)) return std::make_unique<XMPMeta>();
-    auto copy = Parse(text);
-    return copy ? std::move(copy) : std::make_unique<XMPMeta>();
+    // Our own serialisation: edits may have grown it past the limits that
+    // guard packets from outside, and a copy must never lose any of it.
+    auto copy = std::make_unique<XMPMeta>();
+    copy->ParseUnchecked(text, nullptr);
+    return copy;
 }
 
 std::string XMPMeta::Serialize(std::uint32_t options, std::uint32_t padding) const

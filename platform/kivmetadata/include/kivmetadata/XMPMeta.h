@@ -51,10 +51,14 @@ public:
     XMPMeta &operator=(XMPMeta const &) = delete;
 
     // Parses a packet (with or without packet wrapper); null on malformed
-    // input, with the toolkit's message in `error`.
+    // input, with the toolkit's message in `error`. A packet past the limits
+    // kivmeta reads (nesting, properties in one place, items, value length,
+    // namespaces, size; see docs/formats.md), or with a DOCTYPE, NUL bytes or
+    // invalid UTF-8, is refused before the toolkit sees it, `error` naming
+    // the limit.
     static std::unique_ptr<XMPMeta> Parse(std::string_view packet, std::string *error = nullptr);
-    // Replaces the content by the parsed packet; on failure the content is
-    // left as it was.
+    // Replaces the content by the parsed packet, refused as Parse refuses; on
+    // failure the content is left as it was.
     bool ParseFromBuffer(std::string_view packet, std::string *error = nullptr);
 
     // A deep copy that shares nothing with this object.
@@ -108,6 +112,7 @@ public:
     void *Handle() const;
 
 private:
+    bool ParseUnchecked(std::string_view packet, std::string *error);
     struct Private;
     std::unique_ptr<Private> d;
 };
