@@ -14,7 +14,6 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QTemporaryDir>
 
 using namespace kivmetadata;
@@ -191,9 +190,6 @@ TEST_F(PathAndDefinitionsTest, ClientExclusionAndForcedWritableMode)
     EXPECT_TRUE(IsPropertyUISupported(P("tst:Contact/tst:Email")));
 
     EXPECT_FALSE(IsAllMetadataForcedWritable());
-    SetAllMetadataForcedWritable(true);
-    EXPECT_TRUE(IsAllMetadataForcedWritable());
-    SetAllMetadataForcedWritable(false);
 }
 
 TEST_F(PathAndDefinitionsTest, RegistryLookupsAndStandardOrder)

@@ -42,12 +42,11 @@ protected:
     {
         return Value{false, PathForSchemaNameAndPropertyName(ns, name), mProvider};
     }
-    static std::string Text(Value const &value, GetValueResult *result = nullptr)
+    static std::string Text(Value const &value)
     {
         std::string text;
-        GetValueResult r;
-        GetValue(value, text, r);
-        if (result) *result = r;
+        GetValueResult result;
+        GetValue(value, text, result);
         return text;
     }
     std::string Packet() const { return mProvider->GetMeta()->Serialize(XMPMeta::kSerializeOmitPacketWrapper, 0); }

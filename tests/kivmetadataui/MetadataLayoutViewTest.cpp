@@ -123,11 +123,13 @@ protected:
     {
         IntrusivePtr<MetadataLayoutView> view(new MetadataLayoutView(std::move(inDefinition), mProvider));
         view->UI_SetLocalRectF(RectF{0, 0, 600, 800});
-        if (inAttach) {
-            mHost->UI_SetDrawSupplier(&mSupplier);
-            mHost->ChildPushBack(view);
-        }
+        if (inAttach) Attach(view);
         return view;
+    }
+    void Attach(IntrusivePtr<MetadataLayoutView> const &inView)
+    {
+        mHost->UI_SetDrawSupplier(&mSupplier);
+        mHost->ChildPushBack(inView);
     }
 
     std::shared_ptr<ViewDefinition> TwoSections()
@@ -183,8 +185,7 @@ TEST_F(MetadataLayoutViewTest, BuildsSectionsOfLabelledControls)
     EXPECT_EQ(view->GetTableLayout(), nullptr) << "no drawing supplier yet";
     EXPECT_EQ(view->UI_CountChildren(), 0);
 
-    mHost->UI_SetDrawSupplier(&mSupplier);
-    mHost->ChildPushBack(view);
+    Attach(view);
     view->Layout();
     auto table = view->GetTableLayout();
     ASSERT_TRUE(table);
@@ -454,8 +455,7 @@ TEST_F(RawDataViewTest, ShowsThePacketUpToTheLimit)
         mProvider = ProviderOfSize(bytes);
         auto view = CreateRawDataView(nullptr, mProvider);
         view->UI_SetLocalRectF(RectF{0, 0, 500, 400});
-        mHost->UI_SetDrawSupplier(&mSupplier);
-        mHost->ChildPushBack(view);
+        Attach(view);
         view->Layout();
         std::u16string const shown = ShownText(*view);
         if (bytes == 1000000) {
@@ -476,8 +476,7 @@ TEST_F(RawDataViewTest, TextIsReadOnlySelectableAndFollowsTheProvider)
     EXPECT_EQ(view->GetDisplayName(), "Raw Data");
     EXPECT_TRUE(mAsserts.empty());
     view->UI_SetLocalRectF(RectF{0, 0, 500, 400});
-    mHost->UI_SetDrawSupplier(&mSupplier);
-    mHost->ChildPushBack(view);
+    Attach(view);
     view->Layout();
 
     auto *caption = dynamic_cast<kivui::UI_StaticText *>(view->UI_FindNodeByID("RawDataView.label"));

@@ -142,8 +142,6 @@ TEST_F(ModuleTest, ResourcesComeFromTheLibrarysOwnModule)
         const QImage image = manager->GetImage(name);
         EXPECT_EQ(image.size(), QSize(16, 16)) << name;
     }
-    EXPECT_EQ(manager->GetImage("PoweredByXMP_72x33").size(), QSize(72, 33));
-    EXPECT_EQ(manager->GetImage("PoweredByXMP_105x15").size(), QSize(105, 15));
     EXPECT_TRUE(manager->HasResource("locales/en.txt"));
     EXPECT_TRUE(manager->HasResource("theme/Theme.qss"));
 }

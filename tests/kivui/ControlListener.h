@@ -1,11 +1,15 @@
 #pragma once
-// Collects what a control reports, for the control tests.
+// Collects what a control reports, and the window the control tests use.
 
 #include <kivui/Message.h>
 #include <kivui/UI_ControlView.h>
 #include <kivui/UI_InteractiveControlView.h>
+#include <kivui/UI_SubView.h>
 
 #include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QTest>
 
 #include <functional>
 #include <memory>
@@ -38,6 +42,31 @@ struct ControlListener {
             if (m != 1) out.push_back(m);
         return out;
     }
+};
+
+// A shown, active window; Add places a control in it at 10,10.
+class ControlWindowTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        window->UI_SetGlobalStructureRect(kivcore::RectF{50, 50, 400, 300});
+        window->UI_Show(true);
+        QApplication::setActiveWindow(window->UI_GetWidget());
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window->UI_GetWidget()));
+    }
+    void TearDown() override { window->UI_Show(false); }
+
+    template <typename T>
+    kivcore::utility::IntrusivePtr<T> Add(kivcore::utility::IntrusivePtr<T> control, float width = 200)
+    {
+        window->ChildPushBack(control);
+        kivcore::RectF r = control->UI_GetLocalRectF(false);
+        r.width = width;
+        control->UI_SetLocalRectF(r.Offset(10, 10));
+        return control;
+    }
+
+    kivcore::utility::IntrusivePtr<UI_SubView> window = kivcore::utility::MakeIntrusive<UI_SubView>();
 };
 
 } // namespace kivui::test

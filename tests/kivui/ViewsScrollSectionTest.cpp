@@ -173,7 +173,6 @@ protected:
 
 TEST_F(SectionViewTest, FrameFitsContentBelowTheHeader)
 {
-    EXPECT_EQ(UI_SectionView::kDefaultHeaderHeight, 20.0f);
     EXPECT_TRUE(section->IsOpened());
     EXPECT_EQ(section->FrameSizeForContentSize(PointF{180, 50}), (PointF{180, 70}));
     EXPECT_EQ(section->GetContentView()->UI_GetLocalRectF(true), (RectF{0, 20, 200, 100}));

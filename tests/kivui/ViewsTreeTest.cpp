@@ -399,12 +399,9 @@ TEST_F(TreeTest, ColumnsTakeHeadersWidthsAndOptions)
     tree->Layout();
     Show();
 
-    EXPECT_EQ(tree->GetColumnCount(), 2);
-    EXPECT_EQ(tree->GetColumnHeader(1), u"Context");
     EXPECT_EQ(view()->model()->headerData(0, Qt::Horizontal).toString(), QStringLiteral("Description"));
-    EXPECT_TRUE(tree->IsHeaderShown());
+    EXPECT_EQ(view()->model()->headerData(1, Qt::Horizontal).toString(), QStringLiteral("Context"));
     EXPECT_TRUE(view()->header()->isVisible());
-    EXPECT_TRUE(tree->HasGridLines());
     EXPECT_FALSE(view()->header()->isSortIndicatorShown());
     EXPECT_FALSE(view()->header()->sectionsMovable());
     EXPECT_EQ(tree->GetColumnWidth(0), 200.0f);
@@ -451,7 +448,6 @@ TEST_F(TreeTest, SelectionFollowsTheMode)
     tree->ClearSelection();
     tree->SelectRow(rows[2]);
     EXPECT_TRUE(tree->GetSelectedRows().empty());
-    EXPECT_EQ(tree->GetSelectionMode(), UI_MultiColumnTree::SelectionMode::kNone);
 }
 
 TEST_F(TreeTest, CellViewsLeaveWithTheirRowsAndOutliveTheTree)
