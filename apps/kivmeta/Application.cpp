@@ -1,12 +1,12 @@
 #include "Application.h"
 
 #include "CommandLine.h"
-#include "MetadataWindow.h"
 #include "PropertyEditor.h"
 #include "Screenshots.h"
 
 #include <kivmetadata/FileMetaDataProvider.h>
 #include <kivmetadataui/Initialize.h>
+#include <kivmetadataui/MetadataDialog.h>
 #include <kivmetadataui/ModuleInfo.h>
 #include <kivui/MessageBoxes.h>
 #include <kivui/SkinManager.h>
@@ -94,6 +94,20 @@ bool OpenFiles(QStringList const &files, bool sidecar,
 
 } // namespace
 
+QString WindowTitleForFiles(QStringList const &names)
+{
+    constexpr int kShown = 3;
+    QString title;
+    if (names.size() <= kShown + 1) {
+        title = names.join(QStringLiteral(", "));
+    } else {
+        title = QStringLiteral("%1 and %2 more")
+                    .arg(names.mid(0, kShown).join(QStringLiteral(", ")))
+                    .arg(names.size() - kShown);
+    }
+    return title.isEmpty() ? QStringLiteral("kivmeta") : title + QStringLiteral(" - kivmeta");
+}
+
 bool HasDisplay()
 {
     return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
@@ -167,23 +181,22 @@ int Run(int argc, char **argv)
         displayNames << QStringLiteral("sample.jpg");
     }
 
-    std::vector<std::shared_ptr<kivmetadata::FileMetaDataProvider>> providers;
-    QString openError;
-    if (!OpenFiles(files, line.mSidecar, providers, openError)) {
-        err << "kivmeta: " << openError << '\n';
-        err.flush();
-        if (!line.mScreenshotDir) {
-            kivui::drawbot::QtSupplier supplier;
-            kivui::dialogs::SimpleErrorMessageBox(&supplier, "$$$/kivmeta/OpenError/title=Cannot Open File",
-                                                  openError.toStdU16String(), nullptr);
-        }
-        return kExitFailure;
-    }
-
     kivmetadataui::ModuleInfo::Get();
-    auto makeWindow = [&providers, &displayNames] { return std::make_unique<MetadataWindow>(providers, displayNames); };
+    QStringList const &names = displayNames;
 
     if (line.mScreenshotDir) {
+        std::vector<std::shared_ptr<kivmetadata::FileMetaDataProvider>> providers;
+        QString openError;
+        if (!OpenFiles(files, line.mSidecar, providers, openError)) {
+            err << "kivmeta: " << openError << '\n';
+            return kExitFailure;
+        }
+        auto makeWindow = [&providers, &names] {
+            auto window = std::make_unique<kivmetadataui::MetadataDialog>(
+                std::vector<std::shared_ptr<kivmetadata::MetaDataProvider>>(providers.begin(), providers.end()), names);
+            window->setWindowTitle(WindowTitleForFiles(window->DisplayNames()));
+            return window;
+        };
         QStringList written;
         QString error;
         bool ok = WriteScreenshots(makeWindow, *line.mScreenshotDir, written, error);
@@ -197,11 +210,42 @@ int Run(int argc, char **argv)
     }
 
     kivui::skins::core::SkinManager::Start(kivui::skins::core::SkinVersion::kV7);
-    std::unique_ptr<MetadataWindow> window = makeWindow();
+    // The files are read on worker threads while the window is already up.
+    kivmetadata::FileOpenOptions options;
+    options.mUseSidecar = line.mSidecar;
+    auto window = std::make_unique<kivmetadataui::MetadataDialog>(files, options, names);
+    window->setWindowTitle(WindowTitleForFiles(window->DisplayNames()));
+    int status = 0;
+    auto fail = [&](QString const &message, bool ask) {
+        err << "kivmeta: " << message << '\n';
+        err.flush();
+        if (ask) {
+            kivui::drawbot::QtSupplier supplier;
+            kivui::dialogs::SimpleErrorMessageBox(&supplier, "$$$/kivmeta/OpenError/title=Cannot Open File",
+                                                  message.toStdU16String(), nullptr);
+        }
+        status = kExitFailure;
+        QApplication::exit(kExitFailure);
+    };
+    QObject::connect(window.get(), &kivmetadataui::MetadataDialog::openingFailed, window.get(),
+                     [&](QString const &message) { fail(message, true); });
+    QObject::connect(window.get(), &kivmetadataui::MetadataDialog::openingCancelled, window.get(),
+                     [&] { fail(QStringLiteral("reading the files was cancelled"), false); });
+    // A file that cannot be read stops kivmeta: editing the others would
+    // leave the user believing every file was edited.
+    QObject::connect(window.get(), &kivmetadataui::MetadataDialog::filesOpened, window.get(), [&] {
+        if (window->OpenErrors().isEmpty()) return;
+        QStringList lines;
+        for (QString const &error : window->OpenErrors())
+            lines << QStringLiteral("cannot open %1").arg(error);
+        window->hide();
+        fail(lines.join(u'\n'), true);
+    });
+    QObject::connect(window.get(), &QDialog::finished, &app, [&status](int) { QApplication::exit(status); });
     window->show();
-    int status = app.exec();
+    int const result = app.exec();
     window.reset();
-    return status;
+    return status ? status : result;
 }
 
 } // namespace kivmeta

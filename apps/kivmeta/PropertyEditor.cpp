@@ -19,6 +19,7 @@
 #include <kivmetadataui/ControlFactory.h>
 #include <kivmetadataui/ControlKind.h>
 #include <kivmetadataui/DateTimeString.h>
+#include <kivmetadataui/MetadataDialog.h>
 #include <kivmetadataui/UI_DateTextEdit.h>
 
 #include <kivcore/Localizer.h>
@@ -367,20 +368,6 @@ bool ApplyEdit(std::shared_ptr<kivmetadata::MetaDataProvider> const &provider, k
     return true;
 }
 
-QString WriteRefusalReason(kivmetadata::FileMetaDataProvider const &provider)
-{
-    if (!provider.IsWritable()) return Q(provider.ReadOnlyReason());
-    std::u16string const &target = provider.SidecarPath().empty() ? provider.FilePath() : provider.SidecarPath();
-    QFileInfo info(Q(target));
-    if (info.exists()) {
-        constexpr auto anyWrite = QFile::WriteOwner | QFile::WriteGroup | QFile::WriteOther;
-        if (!info.isWritable() || !(info.permissions() & anyWrite)) return QStringLiteral("the file is read-only");
-    } else if (!QFileInfo(info.absolutePath()).isWritable()) {
-        return QStringLiteral("the folder cannot be written");
-    }
-    return {};
-}
-
 namespace {
 
 // Runs `work(i)` for i in [0, count) on every core; `done` is called on the
@@ -460,7 +447,7 @@ int RunEdits(QStringList const &files, std::vector<PropertyEdit> const &edits, b
                 refused[i] = Q(openError);
             } else if (!provider->IsWritable()) {
                 refused[i] = Q(provider->ReadOnlyReason());
-            } else if (QString reason = WriteRefusalReason(*provider); !reason.isEmpty()) {
+            } else if (QString reason = kivmetadataui::MetadataDialog::WriteRefusalReason(*provider); !reason.isEmpty()) {
                 refused[i] = reason;
             } else {
                 opened[i] = std::move(provider);

@@ -37,11 +37,6 @@ std::optional<kivmetadata::Path> ResolvePropertyName(QString const &inName, QStr
 bool ApplyEdit(std::shared_ptr<kivmetadata::MetaDataProvider> const &inProvider, kivui::UI_SubView *inParent,
                PropertyEdit const &inEdit, QString &outError);
 
-// The reason a file cannot be written back, or empty. Files without any write
-// permission bit are refused even for a user whom the system would let write,
-// so that marking a file read-only protects it.
-QString WriteRefusalReason(kivmetadata::FileMetaDataProvider const &inProvider);
-
 // Opens the files (on every core), applies the edits through one provider
 // (a multi-asset provider over all files), and saves every file. Nothing is
 // saved when any edit is refused. A file that cannot be opened, written or

@@ -2,9 +2,9 @@
 // checked by reading the files back (with the metadata model, with exiftool
 // when it is installed, and byte for byte where nothing may change), and the
 // window driven in-process.
+#include "Application.h"
 #include "CommandLine.h"
 #include "MetadataDump.h"
-#include "MetadataWindow.h"
 #include "PropertyEditor.h"
 #include "SampleImage.h"
 #include "Screenshots.h"
@@ -16,6 +16,7 @@
 #include <kivmetadata/ValueAccess.h>
 #include <kivmetadata/XMPMeta.h>
 #include <kivmetadataui/Initialize.h>
+#include <kivmetadataui/MetadataDialog.h>
 #include <kivui/ScriptedResponses.h>
 #include <kivui/UI_SubView.h>
 
@@ -404,11 +405,11 @@ TEST_F(KivmetaTest, ScreenshotsOnePngPerTabInBothLooks)
     // The same count per look as the window has tabs, named <nn>-<panel>.png.
     auto provider = kivmetadata::FileMetaDataProvider::Open(file.toStdU16String());
     ASSERT_TRUE(provider);
-    kivmeta::MetadataWindow window({provider});
+    kivmetadataui::MetadataDialog window({provider});
     int const panels = window.CountPanels();
     ASSERT_GE(panels, 2);
     for (QString look : {"v7", "v5"}) {
-        QStringList pngs = QDir(dir + "/" + look).entryList({"*.png"}, QDir::Files, QDir::Name);
+        QStringList pngs = QDir(dir + "/" + look).entryList({"[0-9][0-9]-*.png"}, QDir::Files, QDir::Name);
         ASSERT_EQ(pngs.size(), panels) << look.toStdString();
         EXPECT_EQ(pngs.first(), "01-" + kivmeta::PanelFileStem(window.Tabs()->tabText(0)) + ".png");
         EXPECT_EQ(pngs.last(), QStringLiteral("%1-raw-data.png").arg(panels, 2, 10, QLatin1Char('0')));
@@ -417,6 +418,7 @@ TEST_F(KivmetaTest, ScreenshotsOnePngPerTabInBothLooks)
             EXPECT_FALSE(image.isNull()) << png.toStdString();
             EXPECT_GT(image.width(), 300);
         }
+        EXPECT_FALSE(QImage(dir + "/" + look + "/progress-saving.png").isNull()) << look.toStdString();
     }
     // The looks really differ.
     EXPECT_NE(ReadAll(dir + "/v7/01-" + kivmeta::PanelFileStem(window.Tabs()->tabText(0)) + ".png"),
@@ -443,7 +445,7 @@ TEST_F(KivmetaTest, WindowEditsReachFilesOnlyOnOk)
     kivcore::utility::IntrusivePtr<kivui::UI_SubView> holder(parent);
 
     {
-        kivmeta::MetadataWindow window({open(a), open(b)});
+        kivmetadataui::MetadataDialog window({open(a), open(b)});
         EXPECT_TRUE(window.windowTitle().contains("wa.jpg") && window.windowTitle().contains("wb.jpg"));
         std::string text;
         kivmetadata::GetValueResult result{};
@@ -461,7 +463,7 @@ TEST_F(KivmetaTest, WindowEditsReachFilesOnlyOnOk)
     EXPECT_EQ(ReadAll(b), originalB);
 
     {
-        kivmeta::MetadataWindow window({open(a), open(b)});
+        kivmetadataui::MetadataDialog window({open(a), open(b)});
         QString error;
         ASSERT_TRUE(kivmeta::ApplyEdit(window.EditedProvider(), parent, {PropertyEdit::Kind::Set, "dc:title", "Edited"},
                                        error));
@@ -486,7 +488,7 @@ TEST_F(KivmetaTest, OkWithAnUnwritableFileSavesTheOthersAndKeepsItIntact)
     ScriptedResponses::ClearHistory();
     ScriptedResponses::PushOk();
     {
-        kivmeta::MetadataWindow window({open(a), open(b)});
+        kivmetadataui::MetadataDialog window({open(a), open(b)});
         QString error;
         ASSERT_TRUE(kivmeta::ApplyEdit(window.EditedProvider(), parent.get(),
                                        {PropertyEdit::Kind::Set, "photoshop:City", "Oslo"}, error));
