@@ -42,7 +42,8 @@ public:
     void AddProperty(std::shared_ptr<ViewItem> const &item, PropertyDefinition const &) override { Read(item->mPath); }
     void BeginStruct(std::shared_ptr<ViewItem> const &item, PropertyDefinition const &) override
     {
-        for (Path const &field : ChildPaths(item->mPath)) Read(field);
+        for (Path const &field : ChildPaths(item->mPath))
+            Read(field);
     }
     void EndStruct() override {}
     void AddArray(std::shared_ptr<ViewItem> const &item, PropertyDefinition const &) override
@@ -52,7 +53,8 @@ public:
         for (int index = 1; index <= count && index <= kItemsRead; ++index) {
             Path const itemPath = CreatePathFromArrayItem(item->mPath, index);
             Read(itemPath);
-            for (Path const &field : ChildPaths(itemPath)) Read(field);
+            for (Path const &field : ChildPaths(itemPath))
+                Read(field);
         }
     }
 
@@ -80,10 +82,10 @@ extern "C" int LLVMFuzzerInitialize(int *, char ***)
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const *data, std::size_t size)
 {
-    auto provider =
-        MemoryMetaDataProvider::FromPacket(std::string_view(reinterpret_cast<char const *>(data), size));
+    auto provider = MemoryMetaDataProvider::FromPacket(std::string_view(reinterpret_cast<char const *>(data), size));
     if (!provider) return 0;
     ReadingBuilder builder(provider->GetMeta());
-    for (auto const &definition : GetViewDefinitions()) REQUIRE(BuildView(definition, builder));
+    for (auto const &definition : GetViewDefinitions())
+        REQUIRE(BuildView(definition, builder));
     return 0;
 }

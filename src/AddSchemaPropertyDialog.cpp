@@ -34,7 +34,7 @@ constexpr char const *kTypeItems[] = {
 
 // Collects and checks the name and type of a new property; the caller makes it.
 class AddSchemaPropertyDialog : public kivevefactory::UI_EveViewBase {
-  public:
+public:
     AddSchemaPropertyDialog(std::shared_ptr<kivmetadata::SchemaDefinition> inSchema,
                             kivui::drawbot::SupplierInterface *inSupplier, kivui::UI_Node *inParent)
         : UI_EveViewBase(inSupplier, module::GetResourceManager(), "AddSchemaPropertyDialog",
@@ -85,10 +85,10 @@ class AddSchemaPropertyDialog : public kivevefactory::UI_EveViewBase {
     std::u16string mEnteredText;
     std::int32_t mTypeIndex = 0;
 
-  protected:
+protected:
     ~AddSchemaPropertyDialog() override = default;
 
-  private:
+private:
     void Refuse(char const *inTitle, std::u16string const &inMessage)
     {
         kivui::messagebox::ShowStop(UI_GetDrawSupplier(), inTitle, inMessage, this);

@@ -27,7 +27,7 @@ class MetadataView;
 // tree shows, and that choice is kept as the current view setting for the
 // next run.
 class KIVMETADATAUI_TEST_EXPORT AdvancedPage : public QWidget {
-  public:
+public:
     // The preference holding the chosen properties (a view-settings text).
     static constexpr char kSelectionPrefKey[] = "MetadataView/AdvancedPage/currentViewSetting";
     static constexpr char kSearchPlaceholderKey[] = "$$$/kivmetadataui/MetadataView/SearchPlaceholder=Search";
@@ -48,7 +48,7 @@ class KIVMETADATAUI_TEST_EXPORT AdvancedPage : public QWidget {
     // it is kept for the next run. True when the user chose OK.
     bool EditViewSettings();
 
-  private:
+private:
     struct Private;
     std::unique_ptr<Private> const d;
 };

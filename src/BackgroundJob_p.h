@@ -20,7 +20,7 @@ namespace kivmetadataui {
 // work goes on; `inOnFinished` runs on the thread of `inContext` once every
 // worker has stopped.
 class KIVMETADATAUI_TEST_EXPORT BackgroundJob {
-  public:
+public:
     // `inWork(i)` does item i on a worker; `inName(i)` names it for the
     // progress window (called on a worker).
     BackgroundJob(std::size_t inCount, std::function<void(std::size_t)> inWork,
@@ -47,7 +47,7 @@ class KIVMETADATAUI_TEST_EXPORT BackgroundJob {
     // chosen item. Empty function removes it.
     static void SetBeforeItemHook(std::function<void(BackgroundJob &, std::size_t)> inHook);
 
-  private:
+private:
     void RunWorker();
 
     struct Private;

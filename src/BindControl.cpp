@@ -221,14 +221,16 @@ std::optional<std::u16string> Shortened(std::u16string const &inText, bool inArr
     if (inText.size() <= kMaxShownLength) return std::nullopt;
     std::size_t length = kMaxShownLength;
     std::size_t const lastItemEnd = inArray ? inText.rfind(u';', length) : std::u16string::npos;
-    if (lastItemEnd != std::u16string::npos && lastItemEnd > 0) length = lastItemEnd + 1;
-    else if (QChar::isHighSurrogate(inText[length - 1])) --length;
+    if (lastItemEnd != std::u16string::npos && lastItemEnd > 0)
+        length = lastItemEnd + 1;
+    else if (QChar::isHighSurrogate(inText[length - 1]))
+        --length;
     QLocale locale;
     if (locale.language() == QLocale::C) locale = QLocale(QLocale::English); // C omits group separators
     std::size_t const count = inArray ? CountEntries(inText) : inText.size();
     return inText.substr(0, length) + (inArray ? u" " : u"") +
            Localizer::Localize(inArray ? kShortenedItemsKey : kShortenedKey,
-                                                          {locale.toString(qlonglong(count)).toStdU16String()});
+                               {locale.toString(qlonglong(count)).toStdU16String()});
 }
 
 bool IsTextArray(Value const &inValue)
@@ -282,8 +284,7 @@ void UpdateTextControl(Value const &inValue, kivui::UI_TextEdit &inControl)
 
 // Runs one write inside an update access and records the change when it
 // took effect; write failures are silent.
-template <typename Write>
-void WriteBack(Value const &inValue, Write &&inWrite)
+template <typename Write> void WriteBack(Value const &inValue, Write &&inWrite)
 {
     if (!inValue.mProvider) return;
     MetaDataUpdateAccess access(inValue.mProvider);
@@ -327,10 +328,14 @@ ControlStatus QueryControlStatus(Value const &inValue, std::optional<ControlDisp
 {
     enum ReasonToDisable { kNone = 0, kNotEditable = 1, kRefusedByProvider = 2, kUnsupported = 3, kNoProvider = 4 };
     ReasonToDisable reason = kNone;
-    if (!inValue.mProvider) reason = kNoProvider;
-    else if (inValue.mNotEditable) reason = kNotEditable;
-    else if (!inValue.mProvider->AcceptsPath(inValue, true)) reason = kRefusedByProvider;
-    else if (!IsPropertySupportedForWriting(inValue.mPath)) reason = kUnsupported;
+    if (!inValue.mProvider)
+        reason = kNoProvider;
+    else if (inValue.mNotEditable)
+        reason = kNotEditable;
+    else if (!inValue.mProvider->AcceptsPath(inValue, true))
+        reason = kRefusedByProvider;
+    else if (!IsPropertySupportedForWriting(inValue.mPath))
+        reason = kUnsupported;
 
     if (kivmetadata::IsAllMetadataForcedWritable()) return kControlStatus_Editable;
     switch (reason) {
@@ -417,8 +422,8 @@ void UpdateControl(Value const &inValue, ControlPtr<kivui::UI_StaticText> const 
     std::string text;
     const GetValueResult result = ReadString(inValue, text);
     const auto definition = kivmetadata::PathEntryDefinition(inValue.mPath);
-    const bool address = definition && (definition->mTypeId == "uri" || definition->mTypeId == "url" ||
-                                        definition->mTypeId == "xpath");
+    const bool address =
+        definition && (definition->mTypeId == "uri" || definition->mTypeId == "url" || definition->mTypeId == "xpath");
     inControl->SetTextMode(address ? kTextModeAddress : kTextModePlain);
     std::u16string shownText;
     if (result == kivmetadata::kGetValueResult_SeveralValues) {
@@ -480,9 +485,10 @@ void UpdateControl(Value const &inValue, ControlPtr<kivui::UI_Popup> const &inCo
             inControl->SetValue(index);
         } else {
             // No choice matches: show the raw value's text (empty when absent).
-            const std::u16string shown = result == kivmetadata::kGetValueResult_OneValue
-                                             ? ChoiceDisplayFromRawValue(kivmetadata::PathEntryDefinition(inValue.mPath), raw)
-                                             : std::u16string();
+            const std::u16string shown =
+                result == kivmetadata::kGetValueResult_OneValue
+                    ? ChoiceDisplayFromRawValue(kivmetadata::PathEntryDefinition(inValue.mPath), raw)
+                    : std::u16string();
             inControl->SetValue(-1);
             inControl->SetValueString(shown);
         }
@@ -502,9 +508,8 @@ void UpdateControl(Value const &inValue, ControlPtr<kivui::UI_HotTextNumber> con
     if (result == kivmetadata::kGetValueResult_SeveralValues) {
         inControl->SetValueUnknown(true);
     } else {
-        inControl->SetValue(result == kivmetadata::kGetValueResult_OneValue
-                                ? number
-                                : std::numeric_limits<double>::quiet_NaN());
+        inControl->SetValue(result == kivmetadata::kGetValueResult_OneValue ? number
+                                                                            : std::numeric_limits<double>::quiet_NaN());
     }
     ApplyStatus(inValue, *inControl, result);
 }
@@ -581,7 +586,8 @@ void UpdateValue(Value const &inValue, ControlPtr<kivui::UI_Checkbox> const &inC
     if (!inControl) return;
     const auto state = inControl->GetValue();
     WriteBack(inValue, [&] {
-        if (state == kivui::UI_Checkbox::kMixed || inControl->IsValueUnknown()) return kivmetadata::DeleteValue(inValue);
+        if (state == kivui::UI_Checkbox::kMixed || inControl->IsValueUnknown())
+            return kivmetadata::DeleteValue(inValue);
         return kivmetadata::SetValue(inValue, state == kivui::UI_Checkbox::kChecked);
     });
 }
@@ -619,7 +625,8 @@ void UpdateValue(Value const &inValue, ControlPtr<kivui::UI_Popup> const &inCont
     if (!inControl) return;
     const auto choices = GetChoiceData(*inControl);
     if (!choices) {
-        KIV_ASSERT_MSG(kUnit, "kivmetadataui::UpdateValue", false, "UpdateValue:  can't retrieve user data from UI_Popup");
+        KIV_ASSERT_MSG(kUnit, "kivmetadataui::UpdateValue", false,
+                       "UpdateValue:  can't retrieve user data from UI_Popup");
         return;
     }
     const int index = inControl->GetValue();
@@ -627,13 +634,15 @@ void UpdateValue(Value const &inValue, ControlPtr<kivui::UI_Popup> const &inCont
         // An editable popup holding a typed text that is no choice.
         const std::u16string typed = inControl->GetValueString();
         WriteBack(inValue, [&] {
-            return typed.empty() ? kivmetadata::DeleteValue(inValue) : kivmetadata::SetValue(inValue, Utf16ToUtf8(typed));
+            return typed.empty() ? kivmetadata::DeleteValue(inValue)
+                                 : kivmetadata::SetValue(inValue, Utf16ToUtf8(typed));
         });
         return;
     }
     KIV_ASSERT(kUnit, "kivmetadataui::UpdateValue", choices->size() > (unsigned int)index);
     if (index < 0 || choices->size() <= static_cast<std::size_t>(index)) return;
-    WriteBack(inValue, [&] { return kivmetadata::SetValue(inValue, (*choices)[static_cast<std::size_t>(index)].mRawValue); });
+    WriteBack(inValue,
+              [&] { return kivmetadata::SetValue(inValue, (*choices)[static_cast<std::size_t>(index)].mRawValue); });
 }
 
 void UpdateValue(Value const &, ControlPtr<kivui::UI_StaticText> const &) {}
@@ -724,7 +733,8 @@ std::optional<std::vector<kivmetadata::Choice>> GetChoiceData(kivui::UI_ControlV
     std::vector<kivmetadata::Choice> choices;
     choices.reserve(static_cast<std::size_t>(rawValues.size()));
     for (qsizetype i = 0; i < rawValues.size(); ++i)
-        choices.push_back({rawValues[i].toStdString(), i < displays.size() ? displays[i].toStdString() : std::string()});
+        choices.push_back(
+            {rawValues[i].toStdString(), i < displays.size() ? displays[i].toStdString() : std::string()});
     return choices;
 }
 

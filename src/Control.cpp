@@ -10,7 +10,8 @@ struct Control::Private {
     std::function<void()> mOnDestroy;
 };
 
-Control::Control(kivcore::utility::IntrusivePtr<kivui::UI_SubView> const &inView, std::function<void()> const &inOnDestroy)
+Control::Control(kivcore::utility::IntrusivePtr<kivui::UI_SubView> const &inView,
+                 std::function<void()> const &inOnDestroy)
     : d(std::make_unique<Private>(Private{inView, inOnDestroy}))
 {
 }

@@ -181,7 +181,8 @@ std::u16string ComposeTooltip(std::shared_ptr<PropertyDefinition> const &inDefin
 {
     KIV_ASSERT(kUnit, "kivmetadataui::ComposeTooltip", inDefinition);
     if (!inDefinition) return {};
-    const std::u16string label = LocalizeIfKey(inDefinition->mLabel.empty() ? inDefinition->mName : inDefinition->mLabel);
+    const std::u16string label =
+        LocalizeIfKey(inDefinition->mLabel.empty() ? inDefinition->mName : inDefinition->mLabel);
     const std::u16string description = LocalizeIfKey(inDefinition->mDescription);
     // Without a description the separator would dangle.
     if (description.empty()) return label;
@@ -239,12 +240,14 @@ std::shared_ptr<Control> ControlFactory(Value const &inValue, std::shared_ptr<Vi
         }
     }
 
-    if (!control && (inReadOnly || inValue.mNotEditable || viewItem->HasAttribute("readOnly") ||
-                     !IsPropertySupportedForWriting(inValue.mPath)) &&
+    if (!control &&
+        (inReadOnly || inValue.mNotEditable || viewItem->HasAttribute("readOnly") ||
+         !IsPropertySupportedForWriting(inValue.mPath)) &&
         !kivmetadata::IsAllMetadataForcedWritable()) {
         IntrusivePtr<kivui::UI_StaticText> text(new kivui::UI_StaticText());
         // A view item's own choices name the values better than the definition.
-        if (!viewItem->mChoices.empty() || !definition->mChoices.empty()) SetChoiceData(*text, ChoicesFromViewItem(*viewItem));
+        if (!viewItem->mChoices.empty() || !definition->mChoices.empty())
+            SetChoiceData(*text, ChoicesFromViewItem(*viewItem));
         control = text;
     }
 
@@ -311,8 +314,8 @@ std::shared_ptr<Control> ControlFactory(Value const &inValue, std::shared_ptr<Vi
     Show(*state);
 
     // Edits go back to the provider; the state lives as long as this handler.
-    auto changedHandler = std::make_shared<std::function<void(kivui::Message *)>>(
-        [state, inOnChanged](kivui::Message *inMessage) {
+    auto changedHandler =
+        std::make_shared<std::function<void(kivui::Message *)>>([state, inOnChanged](kivui::Message *inMessage) {
             if (state->mShowing || state->mWriting) return;
             state->mWriting = true;
             UpdateValueOfKind(state->mValue, state->mKind, state->mControl);
@@ -324,12 +327,13 @@ std::shared_ptr<Control> ControlFactory(Value const &inValue, std::shared_ptr<Vi
     // Later changes of the provider are shown, except those this control made
     // and a text being typed.
     std::weak_ptr<BindingState> weakState = state;
-    auto metaHandler = std::make_shared<kivmetadata::MetaDataProvider::ChangeListener>([weakState](kivmetadata::XMPMeta *) {
-        auto bound = weakState.lock();
-        if (!bound || bound->mWriting) return;
-        if (auto *text = dynamic_cast<kivui::UI_TextEdit *>(bound->mControl); text && text->IsEditing()) return;
-        Show(*bound);
-    });
+    auto metaHandler =
+        std::make_shared<kivmetadata::MetaDataProvider::ChangeListener>([weakState](kivmetadata::XMPMeta *) {
+            auto bound = weakState.lock();
+            if (!bound || bound->mWriting) return;
+            if (auto *text = dynamic_cast<kivui::UI_TextEdit *>(bound->mControl); text && text->IsEditing()) return;
+            Show(*bound);
+        });
     if (inValue.mProvider) inValue.mProvider->AddChangeListener(metaHandler);
 
     kivui::UI_ControlView const *key = control.get();
@@ -365,7 +369,8 @@ void RefreshControl(Value const &inValue, std::shared_ptr<Control> const &inCont
         return;
     }
     if (RegisteredControlCreator()) {
-        KIV_ASSERT_MSG(kUnit, "kivmetadataui::RefreshControl", false, "Custom Factory is installed.\nCan't refresh the control.");
+        KIV_ASSERT_MSG(kUnit, "kivmetadataui::RefreshControl", false,
+                       "Custom Factory is installed.\nCan't refresh the control.");
         return;
     }
     auto *control = dynamic_cast<kivui::UI_ControlView *>(inControl->GetView().get());

@@ -17,15 +17,17 @@ inline bool IsDigit(char16_t c)
 inline bool IsBlank(char16_t c)
 {
     return c == u' ' || c == u'\t' || c == u'\n' || c == u'\r' || c == u'\f' || c == u'\v' || c == 0x00A0 ||
-           c == 0x3000 || (c >= 0x2000 && c <= 0x200A) || c == 0x2028 || c == 0x2029 || c == 0x202F ||
-           c == 0x205F || c == 0x1680 || c == 0x0085;
+           c == 0x3000 || (c >= 0x2000 && c <= 0x200A) || c == 0x2028 || c == 0x2029 || c == 0x202F || c == 0x205F ||
+           c == 0x1680 || c == 0x0085;
 }
 
 std::u16string_view TrimView(std::u16string_view s)
 {
     std::size_t b = 0, e = s.size();
-    while (b < e && IsBlank(s[b])) ++b;
-    while (e > b && IsBlank(s[e - 1])) --e;
+    while (b < e && IsBlank(s[b]))
+        ++b;
+    while (e > b && IsBlank(s[e - 1]))
+        --e;
     return s.substr(b, e - b);
 }
 
@@ -89,7 +91,8 @@ bool ParseFraction(std::u16string_view fraction, XMP_DateTime &v)
         if (!IsDigit(fraction[i])) return false;
         nano = nano * 10 + (fraction[i] - u'0');
     }
-    for (std::size_t i = fraction.size(); i < 10; ++i) nano *= 10;
+    for (std::size_t i = fraction.size(); i < 10; ++i)
+        nano *= 10;
     v.nanoSecond = nano;
     return true;
 }

@@ -40,8 +40,7 @@ constexpr char16_t kDictionaryFolder[] = u":/kivmetadataui/locales";
 
 // Clears the slot first and destroys the object afterwards, so that nothing
 // met during destruction finds a dangling pointer.
-template <typename T>
-void Release(std::unique_ptr<T> &slot)
+template <typename T> void Release(std::unique_ptr<T> &slot)
 {
     std::unique_ptr<T> doomed = std::move(slot);
     slot = nullptr;

@@ -65,8 +65,7 @@ class RawDataView : public MetadataLayoutView {
 public:
     RawDataView(std::shared_ptr<kivmetadata::ViewDefinition> inDefinition,
                 std::shared_ptr<kivmetadata::MetaDataProvider> inProvider, RawDataViewOptions inOptions)
-        : MetadataLayoutView(std::move(inDefinition), std::move(inProvider))
-        , mOptions(inOptions)
+        : MetadataLayoutView(std::move(inDefinition), std::move(inProvider)), mOptions(inOptions)
     {
         if (auto const &provider = GetMetadataProvider()) {
             mOnChanged = std::make_shared<kivmetadata::MetaDataProvider::ChangeListener>(
@@ -134,8 +133,7 @@ private:
 struct MetadataLayoutView::Private {
     Private(std::shared_ptr<kivmetadata::MetaDataProvider> inProvider,
             std::shared_ptr<kivmetadata::ViewDefinition> inDefinition)
-        : mMetadataProvider(std::move(inProvider))
-        , mViewDefinition(std::move(inDefinition))
+        : mMetadataProvider(std::move(inProvider)), mViewDefinition(std::move(inDefinition))
     {
     }
 

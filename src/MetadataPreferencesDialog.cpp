@@ -96,11 +96,11 @@ class MetadataPreferencesDialog;
 // Space toggles the check box of the tree's current row; Insert adds a
 // property to a custom schema, Delete removes a custom property.
 class TreeKeys : public QObject {
-  public:
+public:
     TreeKeys(MetadataPreferencesDialog &inDialog, QObject *inParent) : QObject(inParent), mDialog(inDialog) {}
     bool eventFilter(QObject *inWatched, QEvent *inEvent) override;
 
-  private:
+private:
     MetadataPreferencesDialog &mDialog;
 };
 
@@ -108,7 +108,7 @@ class TreeKeys : public QObject {
 // Works on copies of the caller's selection and opened schemas, written back
 // on OK only; the files it writes stay whatever the outcome.
 class MetadataPreferencesDialog : public kivevefactory::UI_EveViewBase {
-  public:
+public:
     MetadataPreferencesDialog(std::set<Path> &ioSelected, kivui::drawbot::SupplierInterface *inSupplier,
                               kivui::UI_Node *inParent, SchemaDefinitionSet &ioOpened, std::u16string inSettingsFolder,
                               SchemaDefinitionList::const_iterator inBegin, SchemaDefinitionList::const_iterator inEnd)
@@ -176,10 +176,10 @@ class MetadataPreferencesDialog : public kivevefactory::UI_EveViewBase {
         return true;
     }
 
-  protected:
+protected:
     ~MetadataPreferencesDialog() override = default;
 
-  private:
+private:
     // --- The tree ---------------------------------------------------------------
 
     void SetupTree()

@@ -22,8 +22,7 @@ using kivui::skins::core::SkinVersion;
 
 std::unique_ptr<ModuleInfo> sInstance;
 
-template <typename SkinT>
-void AddSkinToSet(char const *inSetName)
+template <typename SkinT> void AddSkinToSet(char const *inSetName)
 {
     SkinSet *set = SkinManager::RetrieveSet(inSetName);
     if (!set) kivcore::config::DoThrowNullPtrException("kivui::skins::core::SkinSet");

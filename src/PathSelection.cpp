@@ -10,42 +10,34 @@ using kivmetadata::SchemaDefinition;
 
 namespace {
 
-template<typename Root>
-std::size_t CountIncluded(Root const &inRoot, std::set<Path> const &inPaths)
+template <typename Root> std::size_t CountIncluded(Root const &inRoot, std::set<Path> const &inPaths)
 {
     std::size_t count = 0;
-    if (inPaths.empty())
-        return count;
+    if (inPaths.empty()) return count;
     kivmetadata::VisitDescendantLeafPaths(inRoot, [&](Path const &leaf) { count += inPaths.count(leaf); });
     return count;
 }
 
-template<typename Root>
-std::size_t CountSupported(Root const &inRoot)
+template <typename Root> std::size_t CountSupported(Root const &inRoot)
 {
     std::size_t count = 0;
     kivmetadata::VisitDescendantLeafPaths(inRoot, [&](Path const &leaf) {
-        if (kivmetadata::IsPropertyUISupported(leaf))
-            ++count;
+        if (kivmetadata::IsPropertyUISupported(leaf)) ++count;
     });
     return count;
 }
 
-template<typename Root>
-CheckState CountRule(Root const &inRoot, std::set<Path> const &inSelected)
+template <typename Root> CheckState CountRule(Root const &inRoot, std::set<Path> const &inSelected)
 {
     std::size_t const selected = CountIncluded(inRoot, inSelected);
-    if (selected == 0)
-        return CheckState::Unchecked;
+    if (selected == 0) return CheckState::Unchecked;
     return selected == CountSupported(inRoot) ? CheckState::Checked : CheckState::Mixed;
 }
 
-template<typename Root>
-void SetLeaves(Root const &inRoot, bool inSelected, std::set<Path> &ioSelected)
+template <typename Root> void SetLeaves(Root const &inRoot, bool inSelected, std::set<Path> &ioSelected)
 {
     kivmetadata::VisitDescendantLeafPaths(inRoot, [&](Path const &leaf) {
-        if (!kivmetadata::IsPropertyUISupported(leaf))
-            return;
+        if (!kivmetadata::IsPropertyUISupported(leaf)) return;
         if (inSelected)
             ioSelected.insert(leaf);
         else
@@ -83,12 +75,10 @@ CheckState SchemaCheckState(SchemaDefinition const &inSchema, std::set<Path> con
 CheckState PathCheckState(Path const &inPath, std::set<Path> const &inForcedOn, std::set<Path> const &inSelected,
                           bool *outForcedOn)
 {
-    if (outForcedOn)
-        *outForcedOn = false;
+    if (outForcedOn) *outForcedOn = false;
     if (kivmetadata::ChildPaths(inPath).empty()) {
         if (inForcedOn.count(inPath)) {
-            if (outForcedOn)
-                *outForcedOn = true;
+            if (outForcedOn) *outForcedOn = true;
             return CheckState::Checked;
         }
         return inSelected.count(inPath) ? CheckState::Checked : CheckState::Unchecked;

@@ -24,8 +24,7 @@ struct UI_DateTextEdit::Private {
     std::shared_ptr<std::function<void(kivui::Message *)>> mEditHandler;
 };
 
-UI_DateTextEdit::UI_DateTextEdit()
-    : d(std::make_unique<Private>())
+UI_DateTextEdit::UI_DateTextEdit() : d(std::make_unique<Private>())
 {
     // The skins of the date edit are registered through the module record;
     // make sure it exists once a date edit does.
@@ -44,8 +43,10 @@ UI_DateTextEdit::UI_DateTextEdit()
         } else if (changed->GetChangeMessage() == kivui::UI_InteractiveControlChangedMessage::kEndEditing) {
             // The commit passed validation: store and normalise what was typed.
             const std::u16string text = GetValue();
-            if (!text.empty()) SetValue(text);
-            else d->mDateTime.reset();
+            if (!text.empty())
+                SetValue(text);
+            else
+                d->mDateTime.reset();
             UpdateInvalidMark(GetValue());
         }
     });

@@ -76,9 +76,9 @@ std::u16string GenerateXMLNameFromUnicodeString(std::u16string const &text)
     char16_t *out = result.data() + (prefix ? 1 : 0);
     char16_t const *in = text.data();
     out[0] = StartChar(in[0]) ? in[0] : u'_';
-    for (std::size_t i = 1; i < n; ++i) out[i] = NameChar(in[i]) ? in[i] : u'_';
-    KIV_ASSERT("src/XMLNameValidation", "kivmetadataui::GenerateXMLNameFromUnicodeString",
-               VerifySimpleXMLName(result));
+    for (std::size_t i = 1; i < n; ++i)
+        out[i] = NameChar(in[i]) ? in[i] : u'_';
+    KIV_ASSERT("src/XMLNameValidation", "kivmetadataui::GenerateXMLNameFromUnicodeString", VerifySimpleXMLName(result));
     return result;
 }
 

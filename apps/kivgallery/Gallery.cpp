@@ -16,15 +16,15 @@
 #include <kivui/UI_PictureButton.h>
 #include <kivui/UI_Popup.h>
 #include <kivui/UI_RadioGroup.h>
-#include <kivui/UI_StarRating.h>
-#include <kivui/UI_StaticText.h>
-#include <kivui/UI_TextButton.h>
-#include <kivui/UI_URLEdit.h>
 #include <kivui/UI_ScrollView.h>
 #include <kivui/UI_SectionView.h>
+#include <kivui/UI_StarRating.h>
+#include <kivui/UI_StaticText.h>
 #include <kivui/UI_SubView.h>
+#include <kivui/UI_TextButton.h>
 #include <kivui/UI_TextEdit.h>
 #include <kivui/UI_TextEdit_MS.h>
+#include <kivui/UI_URLEdit.h>
 #include <kivui/drawbot/Drawbot.h>
 #include <kivui/drawbot/SupplierInterface.h>
 
@@ -45,8 +45,7 @@ namespace kivgallery {
 
 namespace {
 
-template <typename T>
-using Ptr = kivcore::utility::IntrusivePtr<T>;
+template <typename T> using Ptr = kivcore::utility::IntrusivePtr<T>;
 
 constexpr float kPageWidth = 600.0f;
 constexpr float kCaptionWidth = 190.0f;
@@ -81,8 +80,7 @@ public:
         root->UI_GetWidget()->setAutoFillBackground(true);
     }
 
-    template <typename T>
-    T *Add(QString const &caption, Ptr<T> const &node, float width, float height)
+    template <typename T> T *Add(QString const &caption, Ptr<T> const &node, float width, float height)
     {
         Ptr<Caption> label(new Caption(caption));
         root->ChildPushBack(label);
@@ -188,7 +186,8 @@ bool HasContent(QImage const &image)
     int const stepX = std::max(1, image.width() / 64);
     int const stepY = std::max(1, image.height() / 64);
     for (int y = 0; y < image.height(); y += stepY) {
-        for (int x = 0; x < image.width(); x += stepX) colours.insert(image.pixel(x, y));
+        for (int x = 0; x < image.width(); x += stepX)
+            colours.insert(image.pixel(x, y));
     }
     return colours.size() >= 3;
 }
@@ -215,8 +214,10 @@ void Gallery::RenderAll(QString const &look)
 
 void Gallery::Check(QString const &file, QImage const &image)
 {
-    if (image.isNull() || image.width() < 8 || image.height() < 8) mProblems << file + QStringLiteral(": empty picture");
-    else if (!HasContent(image)) mProblems << file + QStringLiteral(": picture of one colour");
+    if (image.isNull() || image.width() < 8 || image.height() < 8)
+        mProblems << file + QStringLiteral(": empty picture");
+    else if (!HasContent(image))
+        mProblems << file + QStringLiteral(": picture of one colour");
 }
 
 void Gallery::Save(QString const &name, QWidget *widget)
@@ -224,8 +225,10 @@ void Gallery::Save(QString const &name, QWidget *widget)
     QString const file = QDir(mFolder).filePath(mLook + QLatin1Char('/') + name + QStringLiteral(".png"));
     QImage const image = widget->grab().toImage();
     Check(file, image);
-    if (!image.save(file, "png")) mProblems << file + QStringLiteral(": cannot write");
-    else mWritten << file;
+    if (!image.save(file, "png"))
+        mProblems << file + QStringLiteral(": cannot write");
+    else
+        mWritten << file;
 }
 
 void Gallery::TextControls()
@@ -409,8 +412,11 @@ void Gallery::Views()
     page.Add(QStringLiteral("UI_MultiColumnTree"), tree, 380, 150);
     struct Entry {
         char16_t const *a, *b;
-    } const entries[] = {{u"Dublin Core", u"dc"}, {u"Title", u"dc:title"}, {u"Creator", u"dc:creator"},
-                         {u"Photoshop", u"photoshop"}, {u"City", u"photoshop:City"}};
+    } const entries[] = {{u"Dublin Core", u"dc"},
+                         {u"Title", u"dc:title"},
+                         {u"Creator", u"dc:creator"},
+                         {u"Photoshop", u"photoshop"},
+                         {u"City", u"photoshop:City"}};
     Ptr<kivui::UI_MultiColumnTreeRow> parent;
     for (int i = 0; i < 5; ++i) {
         bool const top = i == 0 || i == 3;
@@ -442,12 +448,14 @@ void Gallery::Dialogs()
     plain->GetDialog()->hide();
 
     Ptr<kivui::UI_ArchivedDialog> archived(new kivui::UI_ArchivedDialog(mSupplier, mResources, "GalleryArchive"));
-    if (!archived->HasArchive()) mProblems << QStringLiteral("the gallery's UI archive is missing");
+    if (!archived->HasArchive())
+        mProblems << QStringLiteral("the gallery's UI archive is missing");
     else {
         auto versions = archived->FindControl<kivui::UI_Popup>("versionPopupID");
         versions->AddItem(u"Select Version...");
         versions->AddSeparator();
-        for (char16_t const *item : {u"GY/GX6", u"GX5", u"GX4"}) versions->AddItem(item);
+        for (char16_t const *item : {u"GY/GX6", u"GX5", u"GX4"})
+            versions->AddItem(item);
         versions->SetValue(0);
         archived->FindControl<kivui::UI_TextButton>("startButtonID")->SetDisabled(true);
         archived->FindControl<kivui::UI_TextEdit_MS>("resultTextID")
@@ -459,13 +467,15 @@ void Gallery::Dialogs()
     archived->GetDialog()->hide();
 
     Ptr<kivevefactory::UI_EveViewBase> eve(new kivevefactory::UI_EveViewBase(mSupplier, mResources, "GalleryLayout"));
-    if (!eve->HasLayout()) mProblems << QStringLiteral("the gallery's layout description is missing");
+    if (!eve->HasLayout())
+        mProblems << QStringLiteral("the gallery's layout description is missing");
     else {
         auto name = eve->FindControl<kivui::UI_TextEdit>("nameTextEdit");
         name->SetValue(u"NewProperty", false);
         name->SelectAll();
         auto types = eve->FindControl<kivui::UI_Popup>("columnTypePopup");
-        for (char16_t const *item : {u"Integer", u"Real", u"Text", u"Boolean"}) types->AddItem(item);
+        for (char16_t const *item : {u"Integer", u"Real", u"Text", u"Boolean"})
+            types->AddItem(item);
         types->SetValue(0);
     }
     eve->GetDialog()->show();

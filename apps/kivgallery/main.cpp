@@ -44,7 +44,8 @@ int main(int argc, char **argv)
 
     QTextStream out(stdout);
     out << "wrote " << gallery.Written().size() << " pictures to " << QDir(folder).absolutePath() << "\n";
-    for (QString const &problem : gallery.Problems()) err << "problem: " << problem << "\n";
+    for (QString const &problem : gallery.Problems())
+        err << "problem: " << problem << "\n";
     if (check && (!gallery.Problems().isEmpty() || gallery.Written().isEmpty())) return 1;
     return 0;
 }

@@ -145,12 +145,10 @@ bool PropertyExists(kivmetadata::Value const &value)
     return result == kivmetadata::kGetValueResult_OneValue || result == kivmetadata::kGetValueResult_SeveralValues;
 }
 
-template <typename... Functions>
-struct Overloaded : Functions... {
+template <typename... Functions> struct Overloaded : Functions... {
     using Functions::operator()...;
 };
-template <typename... Functions>
-Overloaded(Functions...) -> Overloaded<Functions...>;
+template <typename... Functions> Overloaded(Functions...) -> Overloaded<Functions...>;
 
 // Puts the edit into the control the factory made and lets its binding write
 // it. Returns false with a reason when the control cannot take the value.
@@ -168,109 +166,111 @@ bool FeedControl(kivmetadata::Value const &value, kivmetadataui::Control const &
         return true;
     };
     bool fed = false;
-    bool const known = kivmetadataui::VisitControl(view, Overloaded{
-        [&](kivui::UI_StaticText *) {
-            error = QStringLiteral("is read-only here");
-        },
-        [&](kivmetadataui::UI_DateTextEdit *date) {
-            kivmetadata::XMP_DateTime parsed{};
-            if (!remove && !kivmetadataui::ParseDateTimeStr(text, parsed)) {
-                error = QStringLiteral("\"%1\" is not a date (use YYYY-MM-DD, optionally with a time "
-                                       "HH:MM[:SS] and a zone)")
-                            .arg(edit.mValue);
-                return;
-            }
-            date->SetValue(remove ? std::u16string() : kivmetadataui::FormatDateTimeStr(parsed));
-            fed = write(date);
-        },
-        [&](kivui::UI_Checkbox *box) {
-            if (remove) {
-                box->SetValueUnknown(true);
-            } else {
-                std::optional<bool> checked = ParseBoolean(edit.mValue);
-                if (!checked) {
-                    error = QStringLiteral("\"%1\" is not a boolean (use True or False)").arg(edit.mValue);
-                    return;
-                }
-                box->SetValue(*checked ? kivui::UI_Checkbox::kChecked : kivui::UI_Checkbox::kUnchecked);
-            }
-            fed = write(box);
-        },
-        [&](kivui::UI_HotTextNumber *number) {
-            if (remove) {
-                number->SetValue(std::nan(""));
-                fed = write(number);
-                return;
-            }
-            bool ok = false;
-            double d = edit.mValue.trimmed().toDouble(&ok);
-            if (!ok || !std::isfinite(d)) {
-                error = QStringLiteral("\"%1\" is not a number").arg(edit.mValue);
-            } else if (type == kivmetadata::kPrimitiveType_Integer && d != std::floor(d)) {
-                error = QStringLiteral("\"%1\" is not a whole number").arg(edit.mValue);
-            } else if ((definition.mMinimum && d < *definition.mMinimum) ||
-                       (definition.mMaximum && d > *definition.mMaximum)) {
-                error = QStringLiteral("%1 is outside the range %2 to %3")
-                            .arg(edit.mValue.trimmed())
-                            .arg(definition.mMinimum ? QString::number(*definition.mMinimum) : QStringLiteral("any"))
-                            .arg(definition.mMaximum ? QString::number(*definition.mMaximum) : QStringLiteral("any"));
-            } else {
-                number->SetValue(d);
-                fed = write(number);
-            }
-        },
-        [&](kivui::UI_StarRating *stars) {
-            double d = 0;
-            if (!remove) {
-                bool ok = false;
-                d = edit.mValue.trimmed().toDouble(&ok);
-                if (!ok || d < 0 || d > 5 || d != std::floor(d)) {
-                    error = QStringLiteral("\"%1\" is not a rating (a whole number of stars from 0 to 5)")
+    bool const known = kivmetadataui::VisitControl(
+        view,
+        Overloaded{
+            [&](kivui::UI_StaticText *) { error = QStringLiteral("is read-only here"); },
+            [&](kivmetadataui::UI_DateTextEdit *date) {
+                kivmetadata::XMP_DateTime parsed{};
+                if (!remove && !kivmetadataui::ParseDateTimeStr(text, parsed)) {
+                    error = QStringLiteral("\"%1\" is not a date (use YYYY-MM-DD, optionally with a time "
+                                           "HH:MM[:SS] and a zone)")
                                 .arg(edit.mValue);
                     return;
                 }
-            }
-            stars->SetValue(d);
-            fed = write(stars);
-        },
-        [&](kivui::UI_Popup *popup) {
-            if (remove) {
-                popup->SetValueUnknown(true);
-                fed = write(popup);
-                return;
-            }
-            // The raw value first ("3"), then the text shown ("3 (Normal)").
-            QString const wanted = edit.mValue.trimmed();
-            int found = popup->FindItemByData(wanted.toStdString());
-            for (int i = 0; i < popup->CountItems() && found < 0; ++i) {
-                QString const shown = Q(popup->GetItemText(i)).trimmed();
-                if (shown.compare(wanted, Qt::CaseInsensitive) == 0 ||
-                    shown.endsWith(u'(' + wanted + u')', Qt::CaseInsensitive))
-                    found = i;
-            }
-            if (found >= 0) {
-                popup->SetValue(found);
-                expected = QString::fromStdString(popup->GetItemData(found).value_or(wanted.toStdString()));
-            } else if (popup->GetPopupType() == kivui::UI_Popup::kPopupTypeEditable) {
-                popup->SetValueString(edit.mValue.toStdU16String());
-            } else {
-                error = QStringLiteral("\"%1\" is not one of the choices: %2").arg(edit.mValue, ChoiceList(definition));
-                return;
-            }
-            fed = write(popup);
-        },
-        // The plain, auto-complete, URL and draggable text edits.
-        [&](auto *textEdit) {
-            if (!remove) {
-                if (std::optional<std::u16string> warning = textEdit->ValidateText(text)) {
-                    error = Q(*warning);
+                date->SetValue(remove ? std::u16string() : kivmetadataui::FormatDateTimeStr(parsed));
+                fed = write(date);
+            },
+            [&](kivui::UI_Checkbox *box) {
+                if (remove) {
+                    box->SetValueUnknown(true);
+                } else {
+                    std::optional<bool> checked = ParseBoolean(edit.mValue);
+                    if (!checked) {
+                        error = QStringLiteral("\"%1\" is not a boolean (use True or False)").arg(edit.mValue);
+                        return;
+                    }
+                    box->SetValue(*checked ? kivui::UI_Checkbox::kChecked : kivui::UI_Checkbox::kUnchecked);
+                }
+                fed = write(box);
+            },
+            [&](kivui::UI_HotTextNumber *number) {
+                if (remove) {
+                    number->SetValue(std::nan(""));
+                    fed = write(number);
                     return;
                 }
-            }
-            textEdit->SetValue(text, false);
-            fed = write(textEdit);
-        },
-    });
+                bool ok = false;
+                double d = edit.mValue.trimmed().toDouble(&ok);
+                if (!ok || !std::isfinite(d)) {
+                    error = QStringLiteral("\"%1\" is not a number").arg(edit.mValue);
+                } else if (type == kivmetadata::kPrimitiveType_Integer && d != std::floor(d)) {
+                    error = QStringLiteral("\"%1\" is not a whole number").arg(edit.mValue);
+                } else if ((definition.mMinimum && d < *definition.mMinimum) ||
+                           (definition.mMaximum && d > *definition.mMaximum)) {
+                    error =
+                        QStringLiteral("%1 is outside the range %2 to %3")
+                            .arg(edit.mValue.trimmed())
+                            .arg(definition.mMinimum ? QString::number(*definition.mMinimum) : QStringLiteral("any"))
+                            .arg(definition.mMaximum ? QString::number(*definition.mMaximum) : QStringLiteral("any"));
+                } else {
+                    number->SetValue(d);
+                    fed = write(number);
+                }
+            },
+            [&](kivui::UI_StarRating *stars) {
+                double d = 0;
+                if (!remove) {
+                    bool ok = false;
+                    d = edit.mValue.trimmed().toDouble(&ok);
+                    if (!ok || d < 0 || d > 5 || d != std::floor(d)) {
+                        error = QStringLiteral("\"%1\" is not a rating (a whole number of stars from 0 to 5)")
+                                    .arg(edit.mValue);
+                        return;
+                    }
+                }
+                stars->SetValue(d);
+                fed = write(stars);
+            },
+            [&](kivui::UI_Popup *popup) {
+                if (remove) {
+                    popup->SetValueUnknown(true);
+                    fed = write(popup);
+                    return;
+                }
+                // The raw value first ("3"), then the text shown ("3 (Normal)").
+                QString const wanted = edit.mValue.trimmed();
+                int found = popup->FindItemByData(wanted.toStdString());
+                for (int i = 0; i < popup->CountItems() && found < 0; ++i) {
+                    QString const shown = Q(popup->GetItemText(i)).trimmed();
+                    if (shown.compare(wanted, Qt::CaseInsensitive) == 0 ||
+                        shown.endsWith(u'(' + wanted + u')', Qt::CaseInsensitive))
+                        found = i;
+                }
+                if (found >= 0) {
+                    popup->SetValue(found);
+                    expected = QString::fromStdString(popup->GetItemData(found).value_or(wanted.toStdString()));
+                } else if (popup->GetPopupType() == kivui::UI_Popup::kPopupTypeEditable) {
+                    popup->SetValueString(edit.mValue.toStdU16String());
+                } else {
+                    error =
+                        QStringLiteral("\"%1\" is not one of the choices: %2").arg(edit.mValue, ChoiceList(definition));
+                    return;
+                }
+                fed = write(popup);
+            },
+            // The plain, auto-complete, URL and draggable text edits.
+            [&](auto *textEdit) {
+                if (!remove) {
+                    if (std::optional<std::u16string> warning = textEdit->ValidateText(text)) {
+                        error = Q(*warning);
+                        return;
+                    }
+                }
+                textEdit->SetValue(text, false);
+                fed = write(textEdit);
+            },
+        });
     if (!known) error = QStringLiteral("has no control that can edit it");
     return fed;
 }
@@ -387,9 +387,11 @@ void ForEachInParallel(std::size_t count, std::function<void(std::size_t)> const
     };
     std::size_t const threads = std::min<std::size_t>(count, std::max(1u, std::thread::hardware_concurrency()));
     std::vector<std::thread> pool;
-    for (std::size_t t = 1; t < threads; ++t) pool.emplace_back(worker);
+    for (std::size_t t = 1; t < threads; ++t)
+        pool.emplace_back(worker);
     worker();
-    for (auto &thread : pool) thread.join();
+    for (auto &thread : pool)
+        thread.join();
 }
 
 // A progress line that rewrites itself on a terminal and says nothing
@@ -439,20 +441,24 @@ int RunEdits(QStringList const &files, std::vector<PropertyEdit> const &edits, b
     options.mUseSidecar = sidecar;
     {
         Progress progress(err, QStringLiteral("read"), count);
-        ForEachInParallel(count, [&](std::size_t i) {
-            std::string openError;
-            auto provider = kivmetadata::FileMetaDataProvider::Open(files[qsizetype(i)].toStdU16String(), &openError,
-                                                                    options);
-            if (!provider) {
-                refused[i] = Q(openError);
-            } else if (!provider->IsWritable()) {
-                refused[i] = Q(provider->ReadOnlyReason());
-            } else if (QString reason = kivmetadataui::MetadataDialog::WriteRefusalReason(*provider); !reason.isEmpty()) {
-                refused[i] = reason;
-            } else {
-                opened[i] = std::move(provider);
-            }
-        }, [&](std::size_t done) { progress.Update(done); });
+        ForEachInParallel(
+            count,
+            [&](std::size_t i) {
+                std::string openError;
+                auto provider =
+                    kivmetadata::FileMetaDataProvider::Open(files[qsizetype(i)].toStdU16String(), &openError, options);
+                if (!provider) {
+                    refused[i] = Q(openError);
+                } else if (!provider->IsWritable()) {
+                    refused[i] = Q(provider->ReadOnlyReason());
+                } else if (QString reason = kivmetadataui::MetadataDialog::WriteRefusalReason(*provider);
+                           !reason.isEmpty()) {
+                    refused[i] = reason;
+                } else {
+                    opened[i] = std::move(provider);
+                }
+            },
+            [&](std::size_t done) { progress.Update(done); });
         progress.Finish();
     }
 
@@ -471,11 +477,14 @@ int RunEdits(QStringList const &files, std::vector<PropertyEdit> const &edits, b
             }
         }
         Progress progress(err, QStringLiteral("saved"), count);
-        ForEachInParallel(count, [&](std::size_t i) {
-            if (!opened[i]) return;
-            std::string saveError;
-            if (!opened[i]->Save(&saveError)) refused[i] = Q(saveError);
-        }, [&](std::size_t done) { progress.Update(done); });
+        ForEachInParallel(
+            count,
+            [&](std::size_t i) {
+                if (!opened[i]) return;
+                std::string saveError;
+                if (!opened[i]->Save(&saveError)) refused[i] = Q(saveError);
+            },
+            [&](std::size_t done) { progress.Update(done); });
         progress.Finish();
     }
 
@@ -484,17 +493,20 @@ int RunEdits(QStringList const &files, std::vector<PropertyEdit> const &edits, b
     for (std::size_t i = 0; i < count; ++i) {
         QString const &file = files[qsizetype(i)];
         if (opened[i] && refused[i].isEmpty()) {
-            for (std::string const &notice : opened[i]->SaveNotices()) err << "kivmeta: " << file << ": " << Q(notice) << '\n';
+            for (std::string const &notice : opened[i]->SaveNotices())
+                err << "kivmeta: " << file << ": " << Q(notice) << '\n';
             if (!opened[i]->SidecarPath().empty()) out << "kivmeta: wrote " << Q(opened[i]->SidecarPath()) << '\n';
         }
     }
     for (std::size_t i = 0; i < count; ++i) {
         if (refused[i].isEmpty()) continue;
         QString reason = refused[i];
-        while (reason.endsWith(u'.')) reason.chop(1);
+        while (reason.endsWith(u'.'))
+            reason.chop(1);
         if (!reason.isEmpty()) reason[0] = reason[0].toLower();
         // The model's own messages already say so.
-        if (!reason.contains(QStringLiteral("left as it was"))) reason += QStringLiteral(". The file was left as it was");
+        if (!reason.contains(QStringLiteral("left as it was")))
+            reason += QStringLiteral(". The file was left as it was");
         err << "kivmeta: cannot write " << files[qsizetype(i)] << ": " << reason << ".\n";
         ++failures;
         status = 1;

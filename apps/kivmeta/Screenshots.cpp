@@ -3,31 +3,31 @@
 #include <kivmetadataui/MetadataDialog.h>
 
 #include <kivmetadataui/AddSchemaPropertyDialog.h>
-#include <kivmetadataui/MetadataPreferencesDialog.h>
 #include <kivmetadataui/MetadataErrorDialog.h>
 #include <kivmetadataui/MetadataLayoutView.h>
+#include <kivmetadataui/MetadataPreferencesDialog.h>
 #include <kivmetadataui/MetadataTemplateImportOptionsDialog.h>
 #include <kivmetadataui/PanelConversionDialog.h>
 #include <kivmetadataui/TriSectionSplitterView.h>
 #include <kivmetadataui/XMPIcons.h>
 
 #include <kivmetadata/Definitions.h>
+#include <kivmetadata/ErrorInfo.h>
 #include <kivmetadata/PathOperations.h>
 #include <kivmetadata/SchemaDefinition.h>
 #include <kivmetadata/ViewSettings.h>
-#include <kivmetadata/ErrorInfo.h>
 #include <kivui/ScriptedResponses.h>
-#include <kivui/UI_Popup.h>
-#include <kivui/UI_StaticText.h>
 #include <kivui/SkinManager.h>
 #include <kivui/SkinVersion.h>
+#include <kivui/UI_Popup.h>
+#include <kivui/UI_StaticText.h>
 #include <kivui/UI_SubView.h>
 #include <kivui/drawbot/QtSupplier.h>
 
 #include <QApplication>
+#include <QDir>
 #include <QLabel>
 #include <QLineEdit>
-#include <QDir>
 #include <QPixmap>
 #include <QProgressDialog>
 #include <QRegularExpression>
@@ -148,8 +148,8 @@ bool WriteSplitterAndSmallDialogs(QDir const &folder, std::shared_ptr<kivmetadat
     splitter->SetSplitterPercentage(false, 0.12f);
     splitter->SetSectionPrimaryText(0, u"Description");
     splitter->SetSectionSecondaryText(0, u"Panel");
-    QImage const icon = kivui::skins::IsRunningV7OrBeyond() ? kivmetadataui::GetXMPIconDark()
-                                                            : kivmetadataui::GetXMPIconLight();
+    QImage const icon =
+        kivui::skins::IsRunningV7OrBeyond() ? kivmetadataui::GetXMPIconDark() : kivmetadataui::GetXMPIconLight();
     splitter->SetSectionImages(0, icon, QImage());
     splitter->SetSectionPrimaryText(1, u"About this panel");
     aboutSection->SetPrimaryText(u"About this panel");
@@ -197,8 +197,8 @@ QString PanelFileStem(QString const &name)
     return stem.isEmpty() ? QStringLiteral("panel") : stem;
 }
 
-bool WriteScreenshots(std::function<std::unique_ptr<kivmetadataui::MetadataDialog>()> const &makeWindow, QString const &dir,
-                      QStringList &written, QString &error)
+bool WriteScreenshots(std::function<std::unique_ptr<kivmetadataui::MetadataDialog>()> const &makeWindow,
+                      QString const &dir, QStringList &written, QString &error)
 {
     struct Look {
         SkinVersion mVersion;

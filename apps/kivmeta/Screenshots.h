@@ -21,7 +21,7 @@ QString PanelFileStem(QString const &inPanelName);
 // save to "<inDir>/<look>/progress-saving.png", in the V7 and then the V5
 // look, and leaves the V7 look in force. Returns false with a message when a
 // folder or a file cannot be written.
-bool WriteScreenshots(std::function<std::unique_ptr<kivmetadataui::MetadataDialog>()> const &inMakeWindow, QString const &inDir,
-                      QStringList &outWritten, QString &outError);
+bool WriteScreenshots(std::function<std::unique_ptr<kivmetadataui::MetadataDialog>()> const &inMakeWindow,
+                      QString const &inDir, QStringList &outWritten, QString &outError);
 
 } // namespace kivmeta

@@ -58,7 +58,8 @@ struct Corpus {
             SetValue(Value{false, PathForSchemaNameAndPropertyName(kDC, "title"), provider},
                      variant ? "Harbour at night" : "Harbour");
             SetValue(Value{false, PathForSchemaNameAndPropertyName(kDC, "subject"), provider}, "boat; sea; harbour");
-            SetValue(Value{false, PathForSchemaNameAndPropertyName("http://ns.adobe.com/xap/1.0/", "Rating"), provider}, 3);
+            SetValue(Value{false, PathForSchemaNameAndPropertyName("http://ns.adobe.com/xap/1.0/", "Rating"), provider},
+                     3);
             access.AddChange(Path{});
             provider->Save();
         }
@@ -138,7 +139,8 @@ void BM_ReadOnePropertyFrom1000Providers_Multi(benchmark::State &state)
 {
     Initialize();
     std::vector<std::shared_ptr<MetaDataProvider>> assets;
-    for (auto const &path : TheCorpus().files) assets.push_back(FileMetaDataProvider::Open(path));
+    for (auto const &path : TheCorpus().files)
+        assets.push_back(FileMetaDataProvider::Open(path));
     auto multi = std::make_shared<MultiMetaDataProvider>(assets);
     Value const value{false, PathForSchemaNameAndPropertyName(kDC, state.range(0) ? "title" : "subject"), multi};
     for (auto _ : state) {

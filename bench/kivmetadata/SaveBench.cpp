@@ -168,7 +168,7 @@ bool WriteXmpWithExempi(std::string const &path, std::string &error)
 struct Seed {
     QTemporaryDir dir;
     std::string path;
-    std::string error; // empty when the seed is usable
+    std::string error;       // empty when the seed is usable
     bool withLegacy = false; // EXIF and IPTC present (written by exiftool)
     qint64 bytes = 0;
 
@@ -404,7 +404,8 @@ std::string NewValue(bool longValue)
 {
     if (!longValue) return kNewHeadline;
     std::string value;
-    while (value.size() < 10 * 1024) value += "Boats in the harbour before sunrise, seen from the old quay. ";
+    while (value.size() < 10 * 1024)
+        value += "Boats in the harbour before sunrise, seen from the old quay. ";
     value.resize(10 * 1024);
     return value;
 }
@@ -517,19 +518,14 @@ void BM_SaveOneFile_ExempiHandler(benchmark::State &state)
 {
     SaveOneFile(state, "Exempi handler", SaveWithExempiHandler);
 }
-BENCHMARK(BM_SaveOneFile_ExempiHandler)
-    ->Arg(0)
-    ->Arg(1)
-    ->Unit(benchmark::kMillisecond)
-    ->UseRealTime()
-    ->Iterations(30);
+BENCHMARK(BM_SaveOneFile_ExempiHandler)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(30);
 
 void PrintRatio(char const *what, std::string const &slower, std::string const &faster)
 {
     auto const &timings = Timings();
     if (!timings.count(slower) || !timings.count(faster) || timings.at(faster) <= 0) return;
-    std::printf("%-42s %9.1f ms / %9.1f ms = %5.2fx\n", what, timings.at(slower) * 1000.0,
-                timings.at(faster) * 1000.0, timings.at(slower) / timings.at(faster));
+    std::printf("%-42s %9.1f ms / %9.1f ms = %5.2fx\n", what, timings.at(slower) * 1000.0, timings.at(faster) * 1000.0,
+                timings.at(slower) / timings.at(faster));
 }
 
 } // namespace
@@ -545,8 +541,7 @@ int main(int argc, char **argv)
     if (!Timings().empty()) {
         if (TheSeed().bytes > 0)
             std::printf("\nFiles: JPEG of %.2f MB, %s.\n", double(TheSeed().bytes) / (1024.0 * 1024.0),
-                        TheSeed().withLegacy ? "EXIF, IPTC and XMP written by exiftool"
-                                             : "XMP only (no exiftool)");
+                        TheSeed().withLegacy ? "EXIF, IPTC and XMP written by exiftool" : "XMP only (no exiftool)");
         std::printf("Ratios (per iteration, wall time; above 1 means the second is faster):\n");
         PrintRatio("1,000 JPEGs, exiftool / kivmeta", "exiftool", "kivmeta");
         PrintRatio("one JPEG, fits: Exempi handler / ours", "Exempi handler/fit", "file provider/fit");

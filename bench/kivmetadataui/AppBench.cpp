@@ -69,7 +69,7 @@ QStringList const &Files()
 // The longest time between two ticks of a UI timer while it runs: how long
 // the UI thread was kept from its events.
 class TickGap {
-  public:
+public:
     TickGap()
     {
         mTimer.setInterval(2);
@@ -87,7 +87,7 @@ class TickGap {
         return std::max(mLongest, mClock.elapsed());
     }
 
-  private:
+private:
     QTimer mTimer;
     QElapsedTimer mClock;
     qint64 mLongest = 0;

@@ -75,7 +75,8 @@ void BM_ControlFactory_PanelOfProperties(benchmark::State &state)
         std::vector<std::shared_ptr<kivmetadataui::Control>> controls;
         controls.reserve(paths.size());
         for (auto const &path : paths)
-            controls.push_back(kivmetadataui::ControlFactory(Value{false, path, provider}, parent, false, nullptr, nullptr));
+            controls.push_back(
+                kivmetadataui::ControlFactory(Value{false, path, provider}, parent, false, nullptr, nullptr));
         benchmark::DoNotOptimize(controls.data());
     }
     state.counters["controls"] = static_cast<double>(paths.size());
@@ -87,7 +88,8 @@ void BM_UpdateControl_Text(benchmark::State &state)
     auto provider = RichProvider({path});
     IntrusivePtr<kivui::UI_TextEdit> edit(new kivui::UI_TextEdit());
     const Value value{false, path, provider};
-    for (auto _ : state) kivmetadataui::UpdateControl(value, edit);
+    for (auto _ : state)
+        kivmetadataui::UpdateControl(value, edit);
 }
 
 void BM_UpdateValue_Text(benchmark::State &state)
@@ -125,4 +127,3 @@ BENCHMARK(BM_UpdateValue_Text)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_ProviderWrapper_EditAndCommit)->Unit(benchmark::kMillisecond);
 
 } // namespace
-

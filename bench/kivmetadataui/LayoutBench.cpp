@@ -41,7 +41,8 @@ namespace {
 std::size_t CountItems(std::vector<std::shared_ptr<ViewItem>> const &inItems)
 {
     std::size_t count = 0;
-    for (auto const &item : inItems) count += 1 + CountItems(item->mChildren);
+    for (auto const &item : inItems)
+        count += 1 + CountItems(item->mChildren);
     return count;
 }
 
@@ -52,10 +53,14 @@ std::string SampleText(PropertyDefinition const &inDefinition)
     if (inDefinition.mTypeId == "url" || inDefinition.mTypeId == "uri") return "https://example.org/a";
     if (!inDefinition.mPrimitiveType) return "Sample";
     switch (*inDefinition.mPrimitiveType) {
-    case kivmetadata::kPrimitiveType_Integer: return "3";
-    case kivmetadata::kPrimitiveType_Real: return inDefinition.mMaximum ? "1" : "2.5";
-    case kivmetadata::kPrimitiveType_Boolean: return "True";
-    default: return "Sample value; second";
+    case kivmetadata::kPrimitiveType_Integer:
+        return "3";
+    case kivmetadata::kPrimitiveType_Real:
+        return inDefinition.mMaximum ? "1" : "2.5";
+    case kivmetadata::kPrimitiveType_Boolean:
+        return "True";
+    default:
+        return "Sample value; second";
     }
 }
 
@@ -67,17 +72,16 @@ void FillValue(std::shared_ptr<kivmetadata::MetaDataProvider> const &inProvider,
     auto fillFields = [&](kivmetadata::Path const &inBase) {
         for (auto const &field : inDefinition.mFields)
             if (field && !field->IsStruct())
-                kivmetadata::SetValue(kivmetadata::Value{false, kivmetadata::CreatePathFromStructField(inBase, *field),
-                                                         inProvider},
-                                      SampleText(*field));
+                kivmetadata::SetValue(
+                    kivmetadata::Value{false, kivmetadata::CreatePathFromStructField(inBase, *field), inProvider},
+                    SampleText(*field));
     };
     if (inDefinition.IsStruct()) {
         fillFields(inPath);
     } else if (inDefinition.IsArray() && inDefinition.mItemForm == ValueForm::kStruct) {
         for (int i = 1; i <= 2; ++i) {
-            access.GetMeta()->AppendArrayItem(inPath.mNamespace, inPath.mPath,
-                                              kivmetadata::XMPMeta::kPropValueIsArray, std::string(),
-                                              kivmetadata::XMPMeta::kPropValueIsStruct);
+            access.GetMeta()->AppendArrayItem(inPath.mNamespace, inPath.mPath, kivmetadata::XMPMeta::kPropValueIsArray,
+                                              std::string(), kivmetadata::XMPMeta::kPropValueIsStruct);
             fillFields(kivmetadata::CreatePathFromArrayItem(inPath, i));
         }
     } else {
@@ -125,8 +129,8 @@ void BM_MetadataLayoutView_Refresh_LargestPanel(benchmark::State &state)
     auto provider = std::make_shared<kivmetadata::MemoryMetaDataProvider>();
     FillAll(provider, largest->mItems);
 
-    Panel panel(IntrusivePtr<kivmetadataui::MetadataLayoutView>(
-        new kivmetadataui::MetadataLayoutView(largest, provider)));
+    Panel panel(
+        IntrusivePtr<kivmetadataui::MetadataLayoutView>(new kivmetadataui::MetadataLayoutView(largest, provider)));
     panel.view->Layout();
     for (auto _ : state) {
         panel.view->Refresh();
@@ -146,7 +150,8 @@ void BM_RawDataView_900KB_FirstPaint(benchmark::State &state)
     // Serialising indents every item: about 772 KB of items give a 900 KB packet.
     std::string body;
     int i = 0;
-    while (body.size() < 772000) body += "<rdf:li>keyword number " + std::to_string(i++) + "</rdf:li>";
+    while (body.size() < 772000)
+        body += "<rdf:li>keyword number " + std::to_string(i++) + "</rdf:li>";
     std::string const packet =
         R"(<x:xmpmeta xmlns:x="adobe:ns:meta/"><rdf:RDF xmlns:rdf="http://www.w3.org/1999/02/22-rdf-syntax-ns#">)"
         R"(<rdf:Description rdf:about="" xmlns:dc="http://purl.org/dc/elements/1.1/"><dc:subject><rdf:Bag>)" +
@@ -171,4 +176,3 @@ BENCHMARK(BM_MetadataLayoutView_Refresh_LargestPanel)->Unit(benchmark::kMillisec
 BENCHMARK(BM_RawDataView_900KB_FirstPaint)->Unit(benchmark::kMillisecond);
 
 } // namespace
-

@@ -19,13 +19,13 @@
 
 namespace {
 
-template <typename T>
-using Ptr = kivcore::utility::IntrusivePtr<T>;
+template <typename T> using Ptr = kivcore::utility::IntrusivePtr<T>;
 
 void BM_MeasureTextShort(benchmark::State &state)
 {
     kivui::drawbot::QtSupplier const supplier;
-    for (auto _ : state) benchmark::DoNotOptimize(supplier.MeasureText(u"Keywords:"));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(supplier.MeasureText(u"Keywords:"));
 }
 BENCHMARK(BM_MeasureTextShort);
 
@@ -33,8 +33,10 @@ void BM_MeasureTextParagraph(benchmark::State &state)
 {
     kivui::drawbot::QtSupplier const supplier;
     std::u16string text;
-    for (int i = 0; i < 20; ++i) text += u"The harbour at dusk, boats coming in. ";
-    for (auto _ : state) benchmark::DoNotOptimize(supplier.MeasureText(text));
+    for (int i = 0; i < 20; ++i)
+        text += u"The harbour at dusk, boats coming in. ";
+    for (auto _ : state)
+        benchmark::DoNotOptimize(supplier.MeasureText(text));
 }
 BENCHMARK(BM_MeasureTextParagraph);
 
@@ -62,7 +64,8 @@ void BM_ImageProviderCachedImage(benchmark::State &state)
     kivui::utility::OS_ResourceManager resources(dir.path());
     kivui::utility::DrawbotImageResourceCache cache;
     kivui::utility::ImageProvider provider(&resources, nullptr, &cache);
-    for (auto _ : state) benchmark::DoNotOptimize(provider.GetImage("Link_Sm"));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(provider.GetImage("Link_Sm"));
 }
 BENCHMARK(BM_ImageProviderCachedImage);
 
@@ -88,7 +91,8 @@ QByteArray ArchiveWithRows(int rows)
     for (int i = 0; i < rows; ++i) {
         QByteArray const n = QByteArray::number(i);
         ui += R"(<item row=")" + n + R"(" column="0"><widget class="QLabel" name="label)" + n +
-              R"("><property name="text"><string>$$$/bench/label)" + n + R"(=Label:</string></property></widget></item>)";
+              R"("><property name="text"><string>$$$/bench/label)" + n +
+              R"(=Label:</string></property></widget></item>)";
         ui += R"(<item row=")" + n + R"(" column="1"><widget class="kivui::UI_TextEdit" name="edit)" + n +
               R"("/></item>)";
     }
@@ -122,4 +126,3 @@ void BM_SkinSwitch(benchmark::State &state)
 BENCHMARK(BM_SkinSwitch)->Unit(benchmark::kMicrosecond);
 
 } // namespace
-

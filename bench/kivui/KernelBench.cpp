@@ -19,8 +19,7 @@ struct Tree {
     IntrusivePtr<kivui::UI_SubView> root = MakeIntrusive<kivui::UI_SubView>();
     std::vector<kivui::UI_Node *> nodes;
 
-    template <typename Node>
-    explicit Tree(int inCount, Node *)
+    template <typename Node> explicit Tree(int inCount, Node *)
     {
         root->UI_SetGlobalStructureRect(RectF{0, 0, 600, 20000});
         for (int i = 0; i < inCount; ++i) {
@@ -32,8 +31,7 @@ struct Tree {
     }
 };
 
-template <typename Node>
-void SetFrames(benchmark::State &state, bool shown)
+template <typename Node> void SetFrames(benchmark::State &state, bool shown)
 {
     Tree tree(1000, static_cast<Node *>(nullptr));
     if (shown) {
@@ -53,9 +51,18 @@ void SetFrames(benchmark::State &state, bool shown)
     tree.root->UI_Show(false);
 }
 
-void BM_SetFrames1000SubViews(benchmark::State &state) { SetFrames<kivui::UI_SubView>(state, false); }
-void BM_SetFrames1000SubViewsShown(benchmark::State &state) { SetFrames<kivui::UI_SubView>(state, true); }
-void BM_SetFrames1000TextEditsShown(benchmark::State &state) { SetFrames<kivui::UI_TextEdit>(state, true); }
+void BM_SetFrames1000SubViews(benchmark::State &state)
+{
+    SetFrames<kivui::UI_SubView>(state, false);
+}
+void BM_SetFrames1000SubViewsShown(benchmark::State &state)
+{
+    SetFrames<kivui::UI_SubView>(state, true);
+}
+void BM_SetFrames1000TextEditsShown(benchmark::State &state)
+{
+    SetFrames<kivui::UI_TextEdit>(state, true);
+}
 
 // One parent resize lays out 1,000 children bound to its width.
 void BM_ParentResizeLaysOut1000Children(benchmark::State &state)
@@ -78,4 +85,3 @@ BENCHMARK(BM_SetFrames1000TextEditsShown)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_ParentResizeLaysOut1000Children)->Unit(benchmark::kMillisecond);
 
 } // namespace
-

@@ -55,9 +55,11 @@ IntrusivePtr<UI_MultiColumnTree> BuildTree(kivui::drawbot::QtSupplier &inSupplie
     tree->SetRowVisibilityChangedFxn(&MakeCell);
     if (inBatch) {
         auto const rows = tree->AppendRows({}, kRows);
-        for (int i = 0; i < kRows; ++i) rows[static_cast<std::size_t>(i)]->SetText(0, Label(i));
+        for (int i = 0; i < kRows; ++i)
+            rows[static_cast<std::size_t>(i)]->SetText(0, Label(i));
     } else {
-        for (int i = 0; i < kRows; ++i) tree->AppendRow()->SetText(0, Label(i));
+        for (int i = 0; i < kRows; ++i)
+            tree->AppendRow()->SetText(0, Label(i));
     }
     return tree;
 }
@@ -76,7 +78,11 @@ void BM_MultiColumnTree_10000CellRows_BuildShowPaint(benchmark::State &state)
     }
     state.counters["placedCells"] = placed;
 }
-BENCHMARK(BM_MultiColumnTree_10000CellRows_BuildShowPaint)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BM_MultiColumnTree_10000CellRows_BuildShowPaint)
+    ->Arg(0)
+    ->Arg(1)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 
 void BM_QTreeWidget_10000PlainItems_BuildShowPaint(benchmark::State &state)
 {
@@ -135,4 +141,3 @@ void BM_MultiColumnTree_10000CellRows_ScrollPage(benchmark::State &state)
 BENCHMARK(BM_MultiColumnTree_10000CellRows_ScrollPage)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 } // namespace
-

@@ -32,8 +32,7 @@ namespace kivmetadataui {
 
 class UI_DateTextEdit;
 
-template <typename T>
-using ControlPtr = kivcore::utility::IntrusivePtr<T>;
+template <typename T> using ControlPtr = kivcore::utility::IntrusivePtr<T>;
 
 // How far a bound control may be edited; the lower, the more restricted.
 enum ControlStatus : std::uint8_t {
@@ -50,33 +49,46 @@ using ControlDisplayParameter = bool;
 // visibility rule of QueryVisibilityStatus to it.
 KIVMETADATAUI_EXPORT void UpdateControl(kivmetadata::Value const &inValue,
                                         ControlPtr<kivui::UI_AutoCompleteTextEdit> const &inControl);
-KIVMETADATAUI_EXPORT void UpdateControl(kivmetadata::Value const &inValue, ControlPtr<kivui::UI_Checkbox> const &inControl);
-KIVMETADATAUI_EXPORT void UpdateControl(kivmetadata::Value const &inValue, ControlPtr<UI_DateTextEdit> const &inControl);
+KIVMETADATAUI_EXPORT void UpdateControl(kivmetadata::Value const &inValue,
+                                        ControlPtr<kivui::UI_Checkbox> const &inControl);
+KIVMETADATAUI_EXPORT void UpdateControl(kivmetadata::Value const &inValue,
+                                        ControlPtr<UI_DateTextEdit> const &inControl);
 KIVMETADATAUI_EXPORT void UpdateControl(kivmetadata::Value const &inValue,
                                         ControlPtr<kivui::UI_DragableTextEdit> const &inControl);
-KIVMETADATAUI_EXPORT void UpdateControl(kivmetadata::Value const &inValue, ControlPtr<kivui::UI_Popup> const &inControl);
-KIVMETADATAUI_EXPORT void UpdateControl(kivmetadata::Value const &inValue, ControlPtr<kivui::UI_StaticText> const &inControl);
-KIVMETADATAUI_EXPORT void UpdateControl(kivmetadata::Value const &inValue, ControlPtr<kivui::UI_TextEdit> const &inControl);
-KIVMETADATAUI_EXPORT void UpdateControl(kivmetadata::Value const &inValue, ControlPtr<kivui::UI_URLEdit> const &inControl);
+KIVMETADATAUI_EXPORT void UpdateControl(kivmetadata::Value const &inValue,
+                                        ControlPtr<kivui::UI_Popup> const &inControl);
+KIVMETADATAUI_EXPORT void UpdateControl(kivmetadata::Value const &inValue,
+                                        ControlPtr<kivui::UI_StaticText> const &inControl);
+KIVMETADATAUI_EXPORT void UpdateControl(kivmetadata::Value const &inValue,
+                                        ControlPtr<kivui::UI_TextEdit> const &inControl);
+KIVMETADATAUI_EXPORT void UpdateControl(kivmetadata::Value const &inValue,
+                                        ControlPtr<kivui::UI_URLEdit> const &inControl);
 // The number and rating controls that the factory makes.
 KIVMETADATAUI_EXPORT void UpdateControl(kivmetadata::Value const &inValue,
                                         ControlPtr<kivui::UI_HotTextNumber> const &inControl);
-KIVMETADATAUI_EXPORT void UpdateControl(kivmetadata::Value const &inValue, ControlPtr<kivui::UI_StarRating> const &inControl);
+KIVMETADATAUI_EXPORT void UpdateControl(kivmetadata::Value const &inValue,
+                                        ControlPtr<kivui::UI_StarRating> const &inControl);
 
 // Writes the control's state back to the value's provider, recording the
 // change; an unknown state, an empty text or no stars delete the property.
 KIVMETADATAUI_EXPORT void UpdateValue(kivmetadata::Value const &inValue,
                                       ControlPtr<kivui::UI_AutoCompleteTextEdit> const &inControl);
-KIVMETADATAUI_EXPORT void UpdateValue(kivmetadata::Value const &inValue, ControlPtr<kivui::UI_Checkbox> const &inControl);
+KIVMETADATAUI_EXPORT void UpdateValue(kivmetadata::Value const &inValue,
+                                      ControlPtr<kivui::UI_Checkbox> const &inControl);
 KIVMETADATAUI_EXPORT void UpdateValue(kivmetadata::Value const &inValue,
                                       ControlPtr<kivui::UI_DragableTextEdit> const &inControl);
-KIVMETADATAUI_EXPORT void UpdateValue(kivmetadata::Value const &inValue, ControlPtr<kivui::UI_HotTextNumber> const &inControl);
+KIVMETADATAUI_EXPORT void UpdateValue(kivmetadata::Value const &inValue,
+                                      ControlPtr<kivui::UI_HotTextNumber> const &inControl);
 KIVMETADATAUI_EXPORT void UpdateValue(kivmetadata::Value const &inValue, ControlPtr<kivui::UI_Popup> const &inControl);
-KIVMETADATAUI_EXPORT void UpdateValue(kivmetadata::Value const &inValue, ControlPtr<kivui::UI_StarRating> const &inControl);
+KIVMETADATAUI_EXPORT void UpdateValue(kivmetadata::Value const &inValue,
+                                      ControlPtr<kivui::UI_StarRating> const &inControl);
 // Does nothing: a static text is never written back.
-KIVMETADATAUI_EXPORT void UpdateValue(kivmetadata::Value const &inValue, ControlPtr<kivui::UI_StaticText> const &inControl);
-KIVMETADATAUI_EXPORT void UpdateValue(kivmetadata::Value const &inValue, ControlPtr<kivui::UI_TextEdit> const &inControl);
-KIVMETADATAUI_EXPORT void UpdateValue(kivmetadata::Value const &inValue, ControlPtr<kivui::UI_URLEdit> const &inControl);
+KIVMETADATAUI_EXPORT void UpdateValue(kivmetadata::Value const &inValue,
+                                      ControlPtr<kivui::UI_StaticText> const &inControl);
+KIVMETADATAUI_EXPORT void UpdateValue(kivmetadata::Value const &inValue,
+                                      ControlPtr<kivui::UI_TextEdit> const &inControl);
+KIVMETADATAUI_EXPORT void UpdateValue(kivmetadata::Value const &inValue,
+                                      ControlPtr<kivui::UI_URLEdit> const &inControl);
 // Writes the parsed date as ISO 8601 (the shown text has blanks where the
 // stored form has "T"); a text that does not parse writes nothing.
 KIVMETADATAUI_EXPORT void UpdateValue(kivmetadata::Value const &inValue, ControlPtr<UI_DateTextEdit> const &inControl);
@@ -86,7 +98,8 @@ KIVMETADATAUI_EXPORT ControlStatus QueryControlStatus(kivmetadata::Value const &
                                                       std::optional<ControlDisplayParameter> inDisplay = std::nullopt);
 
 // Whether a control for the value is shown, given the result of reading it.
-KIVMETADATAUI_EXPORT bool QueryVisibilityStatus(kivmetadata::Value const &inValue, kivmetadata::GetValueResult inResult);
+KIVMETADATAUI_EXPORT bool QueryVisibilityStatus(kivmetadata::Value const &inValue,
+                                                kivmetadata::GetValueResult inResult);
 
 KIVMETADATAUI_EXPORT void SetControlReadOnly(ControlPtr<kivui::UI_AutoCompleteTextEdit> const &inControl);
 KIVMETADATAUI_EXPORT void SetControlReadOnly(ControlPtr<UI_DateTextEdit> const &inControl);

@@ -18,8 +18,7 @@ namespace kivmetadataui {
 // factory uses it to cut the binding), before the view is released.
 class KIVMETADATAUI_EXPORT Control {
 public:
-    Control(kivcore::utility::IntrusivePtr<kivui::UI_SubView> const &inView,
-            std::function<void()> const &inOnDestroy);
+    Control(kivcore::utility::IntrusivePtr<kivui::UI_SubView> const &inView, std::function<void()> const &inOnDestroy);
     ~Control();
     Control(Control const &) = delete;
     Control &operator=(Control const &) = delete;

@@ -23,8 +23,9 @@ class Control;
 // A host's own control maker: given the value, its view item and the parent
 // node, returns the control, or an empty pointer to let the built-in rules
 // decide. An empty ControlCreator means that none is installed.
-using ControlCreator = std::function<std::shared_ptr<Control>(
-    kivmetadata::Value const &, std::shared_ptr<kivmetadata::ViewItem>, kivcore::utility::IntrusivePtr<kivui::UI_Node>)>;
+using ControlCreator =
+    std::function<std::shared_ptr<Control>(kivmetadata::Value const &, std::shared_ptr<kivmetadata::ViewItem>,
+                                           kivcore::utility::IntrusivePtr<kivui::UI_Node>)>;
 
 // Installs the one module-wide creator, replacing (and destroying) the
 // previous one; an empty creator uninstalls. The argument is moved from.

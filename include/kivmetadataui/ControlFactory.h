@@ -43,8 +43,8 @@ ControlFactory(kivmetadata::Value const &inValue, kivcore::utility::IntrusivePtr
                std::shared_ptr<std::function<void()>> const &inOnSizeChanged);
 
 // An editable control without view item and without callbacks.
-KIVMETADATAUI_EXPORT std::shared_ptr<Control> InlineControlFactory(kivmetadata::Value const &inValue,
-                                                                   kivcore::utility::IntrusivePtr<kivui::UI_Node> inParent);
+KIVMETADATAUI_EXPORT std::shared_ptr<Control>
+InlineControlFactory(kivmetadata::Value const &inValue, kivcore::utility::IntrusivePtr<kivui::UI_Node> inParent);
 
 // Shows the value again in a control made by the built-in factory. Refused
 // (with an assertion) while a custom creator is installed: its controls are

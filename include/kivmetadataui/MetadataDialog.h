@@ -37,7 +37,7 @@ namespace kivmetadataui {
 // list and converts older panels.
 class KIVMETADATAUI_EXPORT MetadataDialog : public QDialog {
     Q_OBJECT
-  public:
+public:
     // Edits providers that are already open. `inDisplayNames` (one per
     // provider) replace the file names shown (a temporary copy is shown by
     // its own name).
@@ -113,7 +113,7 @@ class KIVMETADATAUI_EXPORT MetadataDialog : public QDialog {
     QPushButton *OkButton() const;
     QPushButton *CancelButton() const;
 
-  Q_SIGNALS:
+Q_SIGNALS:
     // After the first paint of the first panel.
     void firstPanelPainted();
     // The files were read; the panels are bound (also when some files failed).
@@ -123,12 +123,12 @@ class KIVMETADATAUI_EXPORT MetadataDialog : public QDialog {
     // Reading was cancelled; the dialog closes (rejected).
     void openingCancelled();
 
-  protected:
+protected:
     bool eventFilter(QObject *inWatched, QEvent *inEvent) override;
     void closeEvent(QCloseEvent *inEvent) override;
     void reject() override;
 
-  private:
+private:
     void BuildFrame();
     void Bind();
     void OnOpenFinished();

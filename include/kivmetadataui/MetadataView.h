@@ -41,7 +41,7 @@ class MetadataView_LinkDelegate;
 // tree at once (unless a SuspendTreeRebuild is alive), keeping the opened
 // rows opened.
 class KIVMETADATAUI_EXPORT MetadataView : public kivui::UI_SubView {
-  public:
+public:
     using PathSet = std::set<kivmetadata::Path>;
     using EquivalenceMap = std::map<kivmetadata::Path, std::shared_ptr<PathSet>>;
     using SchemaList = std::vector<std::shared_ptr<kivmetadata::SchemaDefinition>>;
@@ -61,13 +61,13 @@ class KIVMETADATAUI_EXPORT MetadataView : public kivui::UI_SubView {
     // Holds back rebuilding while alive; the view rebuilds once when the
     // last one ends (and only if something asked for a rebuild meanwhile).
     class KIVMETADATAUI_EXPORT SuspendTreeRebuild {
-      public:
+    public:
         explicit SuspendTreeRebuild(MetadataView *inView);
         ~SuspendTreeRebuild();
         SuspendTreeRebuild(SuspendTreeRebuild const &) = delete;
         SuspendTreeRebuild &operator=(SuspendTreeRebuild const &) = delete;
 
-      private:
+    private:
         kivcore::utility::IntrusivePtr<MetadataView> mView;
     };
 
@@ -182,7 +182,7 @@ class KIVMETADATAUI_EXPORT MetadataView : public kivui::UI_SubView {
     // Debug output of a row (its path or schema, state and children).
     void DumpRow(RowPtr const &inRow, std::string &outText) const;
 
-  protected:
+protected:
     ~MetadataView() override;
 
     // Tab and Shift+Tab move between editable rows and out of the view.
@@ -191,7 +191,7 @@ class KIVMETADATAUI_EXPORT MetadataView : public kivui::UI_SubView {
     // The tree fills the view.
     void UI_LayoutChildren() override;
 
-  private:
+private:
     friend class SuspendTreeRebuild;
     struct Private;
     std::unique_ptr<Private> const d;

@@ -18,7 +18,7 @@ namespace kivmetadataui {
 // up: the label column is the shared width of all views (or the cell's own)
 // less the row's indentation.
 class KIVMETADATAUI_EXPORT MetadataViewCell : public kivui::UI_SubView {
-  public:
+public:
     using ChildPtr = kivcore::utility::IntrusivePtr<kivui::UI_SubView>;
 
     MetadataViewCell();
@@ -51,10 +51,10 @@ class KIVMETADATAUI_EXPORT MetadataViewCell : public kivui::UI_SubView {
     // A click beside the controls puts the focus into the value.
     bool UI_DoMouseEvent(kivui::MouseEvent const &inEvent) override;
 
-  protected:
+protected:
     ~MetadataViewCell() override;
 
-  private:
+private:
     void Replace(ChildPtr &ioSlot, ChildPtr const &inNew);
     struct Private;
     std::unique_ptr<Private> const d;

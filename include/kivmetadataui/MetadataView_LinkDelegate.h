@@ -12,7 +12,7 @@ namespace kivmetadataui {
 // assets by the embedding application) and hears when the user links or
 // unlinks one with a row's link button.
 class KIVMETADATAUI_EXPORT MetadataView_LinkDelegate {
-  public:
+public:
     virtual ~MetadataView_LinkDelegate();
     virtual bool IsPathLinked(kivmetadata::Path const &inPath) = 0;
     virtual void SetPathLinked(kivmetadata::Path const &inPath, bool inLinked) = 0;

@@ -25,7 +25,7 @@ class MetadataView;
 class KIVMETADATAUI_EXPORT MetadataWidget : public QWidget {
     Q_OBJECT
 
-  public:
+public:
     enum class Look {
         kHost,    // the host's palette and style, nothing of the toolkit's skins
         kToolkit, // the skins of the toolkit's look in use
@@ -72,11 +72,11 @@ class KIVMETADATAUI_EXPORT MetadataWidget : public QWidget {
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
-  protected:
+protected:
     void showEvent(QShowEvent *inEvent) override;
     void changeEvent(QEvent *inEvent) override;
 
-  private:
+private:
     enum class Kind { kPanel, kRawData, kTree };
     void Show(std::string const &inName, Kind inKind);
     void ApplyLook();

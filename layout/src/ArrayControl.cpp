@@ -56,15 +56,16 @@ std::uint32_t ArrayOptions(PropertyDefinition const &inDefinition)
 {
     using kivmetadata::XMPMeta;
     switch (inDefinition.mForm) {
-    case ValueForm::kSeq: return XMPMeta::kPropValueIsArray | XMPMeta::kPropArrayIsOrdered;
+    case ValueForm::kSeq:
+        return XMPMeta::kPropValueIsArray | XMPMeta::kPropArrayIsOrdered;
     case ValueForm::kAlt:
         return XMPMeta::kPropValueIsArray | XMPMeta::kPropArrayIsOrdered | XMPMeta::kPropArrayIsAlternate;
-    default: return XMPMeta::kPropValueIsArray;
+    default:
+        return XMPMeta::kPropValueIsArray;
     }
 }
 
-kivcore::PointF PreferredSize(kivui::UI_ControlView const &inView,
-                              kivui::drawbot::SupplierInterface const *inSupplier)
+kivcore::PointF PreferredSize(kivui::UI_ControlView const &inView, kivui::drawbot::SupplierInterface const *inSupplier)
 {
     if (!inSupplier) return inView.GetPreferredSize(nullptr);
     kivui::drawbot::Drawbot drawbot(*inSupplier);
@@ -81,8 +82,7 @@ void SizeToFit(kivui::UI_ControlView &ioView, kivui::drawbot::SupplierInterface 
 } // namespace
 
 std::shared_ptr<TableLayout> ArrayControl::Create(kivmetadata::Value const &inValue,
-                                                  PropertyDefinition const &inDefinition,
-                                                  std::u16string const &inLabel,
+                                                  PropertyDefinition const &inDefinition, std::u16string const &inLabel,
                                                   kivui::drawbot::SupplierInterface const *inSupplier,
                                                   std::function<void()> inRelayout)
 {
@@ -131,17 +131,11 @@ std::shared_ptr<TableLayout> ArrayControl::Create(kivmetadata::Value const &inVa
 
 ArrayControl::ArrayControl(kivmetadata::Value const &inValue, PropertyDefinition const &inDefinition,
                            kivui::drawbot::SupplierInterface const *inSupplier, std::function<void()> inRelayout)
-    : mValue(inValue)
-    , mDefinition(std::make_shared<PropertyDefinition>(inDefinition))
-    , mSupplier(inSupplier)
-    , mRelayout(std::move(inRelayout))
-    , mLabel(new kivui::UI_StaticText)
-    , mList(new ArrayListView)
-    , mButtons(new UI_SubView)
-    , mInsert(new kivui::UI_TextButton(Localizer::Localize(kInsertKey)))
-    , mDelete(new kivui::UI_TextButton(Localizer::Localize(kDeleteKey)))
-    , mEditorView(new UI_SubView)
-    , mClose(new kivui::UI_TextButton(Localizer::Localize(kCloseKey)))
+    : mValue(inValue), mDefinition(std::make_shared<PropertyDefinition>(inDefinition)), mSupplier(inSupplier),
+      mRelayout(std::move(inRelayout)), mLabel(new kivui::UI_StaticText), mList(new ArrayListView),
+      mButtons(new UI_SubView), mInsert(new kivui::UI_TextButton(Localizer::Localize(kInsertKey))),
+      mDelete(new kivui::UI_TextButton(Localizer::Localize(kDeleteKey))), mEditorView(new UI_SubView),
+      mClose(new kivui::UI_TextButton(Localizer::Localize(kCloseKey)))
 {
     UI_SetNodeID("ArrayControl");
     UI_SetLayoutsChildren(true);
@@ -185,7 +179,8 @@ ArrayControl::~ArrayControl()
 {
     // Widgets outlive this body; cut every path back into this object.
     QObject::disconnect(GetListWidget(), nullptr, nullptr, nullptr);
-    for (auto const &h : mHandlers) *h = nullptr;
+    for (auto const &h : mHandlers)
+        *h = nullptr;
     *mOnEdited = nullptr;
 }
 
@@ -228,7 +223,8 @@ std::vector<std::u16string> ArrayControl::GetItemTexts() const
     std::vector<std::u16string> texts;
     int const count = std::min(CountItems(), kMaxListedItems);
     texts.reserve(static_cast<std::size_t>(count));
-    for (int i = 0; i < count; ++i) texts.push_back(ItemText(i));
+    for (int i = 0; i < count; ++i)
+        texts.push_back(ItemText(i));
     return texts;
 }
 
@@ -264,8 +260,7 @@ void ArrayControl::RefreshItems()
 
 void ArrayControl::UpdateButtons()
 {
-    bool const editable = mValue.mProvider && !mValue.mNotEditable &&
-                          mValue.mProvider->AcceptsPath(mValue, true);
+    bool const editable = mValue.mProvider && !mValue.mNotEditable && mValue.mProvider->AcceptsPath(mValue, true);
     mInsert->SetDisabled(!editable);
     mDelete->SetDisabled(!editable || mSelected < 0);
 }
@@ -340,9 +335,8 @@ void ArrayControl::BuildEditor()
     auto closeItem = std::make_shared<LayoutItem>(IntrusivePtr<UI_SubView>(mClose));
     closeItem->mWidth = mClose->UI_GetLocalRectF(false).width;
     table->InsertRow(1, closeItem);
-    table->UpdateLabelWidth([this](LayoutItem const &inItem) {
-        return MetadataViewBuilder::MeasureItem(mSupplier, inItem);
-    });
+    table->UpdateLabelWidth(
+        [this](LayoutItem const &inItem) { return MetadataViewBuilder::MeasureItem(mSupplier, inItem); });
     mEditorTable = table;
     mEditorView->UI_Show(true);
     UpdateEditorSpacing();

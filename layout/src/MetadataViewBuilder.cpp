@@ -101,8 +101,7 @@ void SectionViewLayoutDelegate::SetContentSize(TableLayout &inTable, PointF cons
 
 MetadataViewBuilder::MetadataViewBuilder(std::shared_ptr<kivmetadata::MetaDataProvider> inProvider,
                                          kivui::drawbot::SupplierInterface const *inSupplier)
-    : mProvider(std::move(inProvider))
-    , mSupplier(inSupplier)
+    : mProvider(std::move(inProvider)), mSupplier(inSupplier)
 {
     IntrusivePtr<kivui::UI_ScrollView> scroll(new kivui::UI_ScrollView);
     scroll->UI_SetNodeID("MetadataViewBuilder.scroll");
@@ -135,8 +134,8 @@ void MetadataViewBuilder::SetMargins(kivcore::Flags<unsigned char> inMask)
 
 std::u16string MetadataViewBuilder::LabelText(std::string const &inLabel)
 {
-    std::u16string const text = inLabel.rfind("$$$/", 0) == 0 ? Localizer::Localize(inLabel)
-                                                              : kivcore::utility::Utf8ToUtf16(inLabel);
+    std::u16string const text =
+        inLabel.rfind("$$$/", 0) == 0 ? Localizer::Localize(inLabel) : kivcore::utility::Utf8ToUtf16(inLabel);
     return Localizer::Localize(kLabelWithColon, {text});
 }
 
@@ -165,7 +164,7 @@ TableLayout &MetadataViewBuilder::CurrentTable()
 }
 
 std::shared_ptr<LayoutItem> MetadataViewBuilder::MakeLabel(std::string const &inLabel,
-                                                            IntrusivePtr<UI_SubView> const &inContent) const
+                                                           IntrusivePtr<UI_SubView> const &inContent) const
 {
     IntrusivePtr<kivui::UI_StaticText> label(new kivui::UI_StaticText(LabelText(inLabel)));
     label->SetAlignment(kivui::UI_StaticText::kAlignRight);
@@ -224,7 +223,7 @@ void MetadataViewBuilder::BeginSection(kivmetadata::ViewItem const &inSection)
 {
     IntrusivePtr<kivui::UI_SectionView> section(new kivui::UI_SectionView);
     section->SetHeaderText(inSection.mLabel.rfind("$$$/", 0) == 0 ? Localizer::Localize(inSection.mLabel)
-                                                                   : kivcore::utility::Utf8ToUtf16(inSection.mLabel));
+                                                                  : kivcore::utility::Utf8ToUtf16(inSection.mLabel));
     section->GetContentView()->UI_SetLayoutsChildren(true);
     auto table = std::make_shared<TableLayout>(section);
     table->SetDelegate(std::make_shared<SectionViewLayoutDelegate>());
@@ -273,8 +272,7 @@ void MetadataViewBuilder::AddProperty(std::shared_ptr<kivmetadata::ViewItem> con
     GiveHeight(*control->GetView(), mSupplier);
 
     auto row = std::make_shared<RowItem>();
-    row->SetColumnItem(0, MakeLabel(inItem->mLabel.empty() ? inDefinition.mLabel : inItem->mLabel,
-                                    control->GetView()));
+    row->SetColumnItem(0, MakeLabel(inItem->mLabel.empty() ? inDefinition.mLabel : inItem->mLabel, control->GetView()));
     row->SetColumnItem(1, std::make_shared<LayoutItem>(control));
     CurrentTable().InsertRow(row);
 }

@@ -7,7 +7,6 @@
 #include <kivui/UI_LayoutBinding.h>
 #include <kivui/UI_SubView.h>
 
-
 #include <algorithm>
 #include <cmath>
 #include <stdexcept>
@@ -27,8 +26,7 @@ constexpr char kUnit[] = "layout/src/TableLayout";
     throw std::out_of_range("invalid vector subscript");
 }
 
-template <typename T>
-T const &At(std::vector<T> const &inVector, std::int32_t inIndex)
+template <typename T> T const &At(std::vector<T> const &inVector, std::int32_t inIndex)
 {
     if (inIndex < 0 || static_cast<std::size_t>(inIndex) >= inVector.size()) ThrowInvalidSubscript();
     return inVector[static_cast<std::size_t>(inIndex)];
@@ -61,17 +59,14 @@ LayoutItem::LayoutItem(IntrusivePtr<UI_SubView> inView)
     Require(mView);
 }
 
-LayoutItem::LayoutItem(std::shared_ptr<Control> const &inControlPtr)
-    : mControl(inControlPtr)
+LayoutItem::LayoutItem(std::shared_ptr<Control> const &inControlPtr) : mControl(inControlPtr)
 {
     KIV_ASSERT(kUnit, "kivmetadataui::layout::LayoutItem::LayoutItem", inControlPtr);
     if (inControlPtr) mView = inControlPtr->GetView();
     Require(mView);
 }
 
-LayoutItem::LayoutItem(std::shared_ptr<TableLayout> const &inLayout)
-    : mKind(kItemKind_Table)
-    , mTable(inLayout)
+LayoutItem::LayoutItem(std::shared_ptr<TableLayout> const &inLayout) : mKind(kItemKind_Table), mTable(inLayout)
 {
     KIV_ASSERT(kUnit, "kivmetadataui::layout::LayoutItem::LayoutItem", inLayout);
     if (inLayout) {
@@ -97,8 +92,7 @@ struct RowItem::Private {
     float mSpaceAfter = 0.0f;
 };
 
-RowItem::RowItem()
-    : d(std::make_unique<Private>())
+RowItem::RowItem() : d(std::make_unique<Private>())
 {
     d->mView->UI_SetLocalRectF(RectF{0.0f, 0.0f, 0.0f, TableLayout::kMinRowHeight});
     d->mView->UI_SetLayoutsChildren(true);
@@ -207,8 +201,7 @@ struct TableLayout::Private {
     bool mCollapsed = false;
 };
 
-TableLayout::TableLayout(IntrusivePtr<UI_SubView> inView)
-    : d(std::make_unique<Private>(*this))
+TableLayout::TableLayout(IntrusivePtr<UI_SubView> inView) : d(std::make_unique<Private>(*this))
 {
     KIV_ASSERT(kUnit, "kivmetadataui::layout::TableLayout::TableLayout", inView);
     d->mView = std::move(inView);
@@ -381,8 +374,7 @@ float TableLayout::Private::MeasureHeight()
     if (mCollapsed) return 0.0f;
 
     auto const container = q.GetContainerView();
-    float const contentWidth =
-        container ? container->UI_GetLocalRectF(false).width - mLeftMargin - mRightMargin : 0.0f;
+    float const contentWidth = container ? container->UI_GetLocalRectF(false).width - mLeftMargin - mRightMargin : 0.0f;
 
     float y = mTopMargin;
     for (std::size_t i = 0; i < mRows.size(); ++i) {

@@ -61,13 +61,15 @@ TEST(CoreTypesTest, FlagsGeometryGuidStrings)
     EXPECT_EQ((kivcore::RectF{0, 0, 10, 10}).Intersection({5, 5, 10, 10}), (kivcore::RectF{5, 5, 5, 5}));
 
     std::set<std::string> ids;
-    for (int i = 0; i < 100; ++i) ids.insert(kivcore::utility::Guid::CreateUnique().AsString());
+    for (int i = 0; i < 100; ++i)
+        ids.insert(kivcore::utility::Guid::CreateUnique().AsString());
     EXPECT_EQ(ids.size(), 100u);
     EXPECT_EQ(ids.begin()->size(), 36u);
     EXPECT_TRUE(kivcore::utility::Guid().IsNull());
 
     using namespace kivcore::utility;
-    EXPECT_EQ(Utf16ToUtf8(Utf8ToUtf16("Gr\xC3\xBC\xC3\x9F\x65 \xF0\x9F\x93\xB7")), "Gr\xC3\xBC\xC3\x9F\x65 \xF0\x9F\x93\xB7");
+    EXPECT_EQ(Utf16ToUtf8(Utf8ToUtf16("Gr\xC3\xBC\xC3\x9F\x65 \xF0\x9F\x93\xB7")),
+              "Gr\xC3\xBC\xC3\x9F\x65 \xF0\x9F\x93\xB7");
     EXPECT_EQ(Utf8ToUtf16("\xF0\x9F\x93\xB7").size(), 2u); // a surrogate pair
     EXPECT_EQ(Trim(std::u16string_view(u" \t a b \u3000")), u"a b");
     EXPECT_EQ(FoldCase(u"\u00C0RBOL \u03A3"), u"\u00E0rbol \u03C3");

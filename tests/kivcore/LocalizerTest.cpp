@@ -26,8 +26,8 @@ TEST(LocalizerTest, DictionariesByLocaleThenLanguageThenDefault)
     using kivcore::utility::FileUtils;
     ASSERT_TRUE(FileUtils::SimpleWriteStringToFile(FileUtils::Join(folder, u"de.txt"),
                                                    "# German\n$$$/kivtest/a=Hallo\n$$$/kivtest/b=Sprache\n"));
-    ASSERT_TRUE(FileUtils::SimpleWriteStringToFile(FileUtils::Join(folder, u"de_AT.txt"),
-                                                   "$$$/kivtest/a=Servus @0\r\n"));
+    ASSERT_TRUE(
+        FileUtils::SimpleWriteStringToFile(FileUtils::Join(folder, u"de_AT.txt"), "$$$/kivtest/a=Servus @0\r\n"));
     Localizer::AddDictionaryFolder(folder);
     Localizer::SetLocale("de_AT");
     EXPECT_EQ(Localizer::Localize("$$$/kivtest/a=Hello @0", {u"Wien"}), u"Servus Wien");

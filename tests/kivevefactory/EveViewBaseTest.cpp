@@ -21,8 +21,7 @@ using kivui::dialogs::ScriptedResponses;
 
 namespace {
 
-template <typename T>
-using Ptr = kivcore::utility::IntrusivePtr<T>;
+template <typename T> using Ptr = kivcore::utility::IntrusivePtr<T>;
 
 class EveViewBaseTest : public ::testing::Test {
 protected:
@@ -84,9 +83,8 @@ TEST_F(EveViewBaseTest, RunsAnsweredByScriptWithTheDefaultFocus)
     EXPECT_EQ(focused, view->GetDefaultFocusWidget());
     EXPECT_EQ(qobject_cast<QLineEdit *>(view->FindWidget("nameField"))->text(), QStringLiteral("Basic"));
 
-    ScriptedResponses::PushAction([&view](QWidget *) {
-        QTest::mouseClick(view->GetCancelButton()->UI_GetWidget(), Qt::LeftButton);
-    });
+    ScriptedResponses::PushAction(
+        [&view](QWidget *) { QTest::mouseClick(view->GetCancelButton()->UI_GetWidget(), Qt::LeftButton); });
     EXPECT_FALSE(view->Run());
     EXPECT_EQ(view->GetResult(), kivui::UI_Dialog::Result::kCancel);
 }

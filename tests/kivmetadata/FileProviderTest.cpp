@@ -31,7 +31,6 @@
 
 using namespace kivmetadata;
 
-
 namespace {
 
 constexpr char kDC[] = "http://purl.org/dc/elements/1.1/";
@@ -55,9 +54,15 @@ QByteArray TiffBytes()
 {
     QByteArray b("II*\0", 4);
     auto u16 = [&](quint16 v) { b.append(char(v & 0xff)).append(char(v >> 8)); };
-    auto u32 = [&](quint32 v) { for (int i = 0; i < 4; ++i) b.append(char((v >> (8 * i)) & 0xff)); };
+    auto u32 = [&](quint32 v) {
+        for (int i = 0; i < 4; ++i)
+            b.append(char((v >> (8 * i)) & 0xff));
+    };
     u32(8);
-    struct Entry { quint16 tag, type; quint32 count, value; };
+    struct Entry {
+        quint16 tag, type;
+        quint32 count, value;
+    };
     Entry const entries[] = {{256, 3, 1, 1}, {257, 3, 1, 1},   {258, 3, 1, 8}, {259, 3, 1, 1},
                              {262, 3, 1, 1}, {273, 4, 1, 110}, {278, 3, 1, 1}, {279, 4, 1, 1}};
     u16(std::size(entries));
@@ -86,7 +91,8 @@ QByteArray PdfBytes()
     }
     int const xref = out.size();
     out += "xref\n0 " + QByteArray::number(objects.size() + 1) + "\n0000000000 65535 f \n";
-    for (int offset : offsets) out += QByteArray::number(offset).rightJustified(10, '0') + " 00000 n \n";
+    for (int offset : offsets)
+        out += QByteArray::number(offset).rightJustified(10, '0') + " 00000 n \n";
     out += "trailer\n<< /Size " + QByteArray::number(objects.size() + 1) + " /Root 1 0 R >>\nstartxref\n" +
            QByteArray::number(xref) + "\n%%EOF\n";
     return out;
@@ -356,9 +362,9 @@ TEST_F(FileProviderTest, AnEditChangesOnlyThatPropertyInEveryContainer)
     std::string const values[] = {"New", std::string(90000, 'x')};
     auto xmpJson = [](QString const &file) {
         QProcess process;
-        process.start(Exiftool(), {QStringLiteral("-j"), QStringLiteral("-struct"), QStringLiteral("-a"),
-                                   QStringLiteral("-G1"), QStringLiteral("-XMP:all"), QStringLiteral("-EXIF:all"),
-                                   file});
+        process.start(Exiftool(),
+                      {QStringLiteral("-j"), QStringLiteral("-struct"), QStringLiteral("-a"), QStringLiteral("-G1"),
+                       QStringLiteral("-XMP:all"), QStringLiteral("-EXIF:all"), file});
         process.waitForFinished(30000);
         QJsonObject object = QJsonDocument::fromJson(process.readAllStandardOutput()).array().at(0).toObject();
         object.remove(QStringLiteral("SourceFile"));
@@ -433,7 +439,8 @@ TEST_F(FileProviderTest, EditsGoOntoThePacketAsAnotherProgramLeftIt)
     EXPECT_EQ(Text(reread, kDC, "title"), "Mine");
     EXPECT_EQ(Text(reread, kXMP, "Rating"), "5");
     std::string notices;
-    for (auto const &notice : provider->SaveNotices()) notices += notice + "\n";
+    for (auto const &notice : provider->SaveNotices())
+        notices += notice + "\n";
     for (char const *name : {"photoshop:City", "dc:rights", "dc:title"})
         EXPECT_NE(notices.find(name), std::string::npos) << name << " not in:\n" << notices;
     EXPECT_NE(notices.find("your edit replaced"), std::string::npos) << notices;
@@ -591,8 +598,8 @@ TEST_F(FileProviderTest, FilesAndFoldersWithoutPermissionAreRefusedAndKept)
             QFile::setPermissions(path, QFileDevice::ReadOwner);
         EXPECT_FALSE(provider->Save(&error));
         EXPECT_EQ(Read(path), before);
-        QFile::setPermissions(mDir.filePath(QStringLiteral("ro")), QFileDevice::ReadOwner | QFileDevice::WriteOwner |
-                                                                        QFileDevice::ExeOwner);
+        QFile::setPermissions(mDir.filePath(QStringLiteral("ro")),
+                              QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
     }
 }
 
@@ -627,8 +634,8 @@ TEST_F(FileProviderTest, AWorkingCopyCommittedIntoSeveralFilesIsSavedToEach)
         EXPECT_EQ(Text(reread, kDC, "creator"), "Ann; Bob");
         EXPECT_EQ(Text(reread, kDC, "title"), "");
         if (!Exiftool().isEmpty()) {
-        EXPECT_EQ(ExifRead(path, QStringLiteral("XMP-dc:Creator")), QStringLiteral("Ann, Bob"));
-    }
+            EXPECT_EQ(ExifRead(path, QStringLiteral("XMP-dc:Creator")), QStringLiteral("Ann, Bob"));
+        }
     }
     EXPECT_EQ(Text(Open(first), kDC, "subject"), "boat; sea");
 }

@@ -47,7 +47,7 @@ std::string JpegWithPacket(std::string const &packet)
 }
 
 class HostileTest : public ::testing::Test {
-  protected:
+protected:
     void SetUp() override
     {
         ASSERT_TRUE(mDir.isValid());

@@ -127,7 +127,8 @@ TEST_F(PathAndDefinitionsTest, PrimitiveTypesOfEveryKindOfPath)
         {"tst:Count[1]", std::nullopt},
         {"not a path", std::nullopt},
     };
-    for (auto const &c : cases) EXPECT_EQ(PrimitiveTypeOfPath(P(c.path)), c.type) << c.path;
+    for (auto const &c : cases)
+        EXPECT_EQ(PrimitiveTypeOfPath(P(c.path)), c.type) << c.path;
     EXPECT_EQ(PrimitiveTypeOfPath(Path{"http://nowhere/", "x:y"}), std::nullopt);
 
     EXPECT_TRUE(IsPathAnArray(P("tst:Tags")));
@@ -213,7 +214,8 @@ TEST_F(PathAndDefinitionsTest, RegistryLookupsAndStandardOrder)
     ASSERT_TRUE(TypeIdDefinition("rating"));
     EXPECT_EQ(TypeIdDefinition("rating")->mPrimitiveType, kPrimitiveType_Real);
     EXPECT_EQ(TypeIdDefinition("no-such-type"), nullptr);
-    for (int t = 0; t <= 8; ++t) EXPECT_FALSE(PrimitiveTypeAsPrimitiveTypeId(PrimitiveType(t)).empty());
+    for (int t = 0; t <= 8; ++t)
+        EXPECT_FALSE(PrimitiveTypeAsPrimitiveTypeId(PrimitiveType(t)).empty());
     EXPECT_EQ(PrimitiveTypeAsPrimitiveTypeId(kPrimitiveType_Integer), "integer");
 }
 
@@ -226,13 +228,15 @@ TEST_F(PathAndDefinitionsTest, BrokenDefinitionFilesAreRecordedAndSkipped)
         {u"unclosed.xml", "<schema xmlns=\"urn:kivmetadata:schema:1\" namespace=\"http://b/\" prefix=\"b\"><property"},
         {u"noprefix.xml", "<schema xmlns=\"urn:kivmetadata:schema:1\" namespace=\"http://b/\"/>"},
         {u"badform.xml", "<schema namespace=\"http://b/\" prefix=\"b\"><property name=\"x\" form=\"cube\"/></schema>"},
-        {u"badtype.xml", "<schema namespace=\"http://b/\" prefix=\"b\"><property name=\"x\" type=\"complex\"/></schema>"},
+        {u"badtype.xml",
+         "<schema namespace=\"http://b/\" prefix=\"b\"><property name=\"x\" type=\"complex\"/></schema>"},
         {u"badmin.xml", "<schema namespace=\"http://b/\" prefix=\"b\"><property name=\"x\" min=\"low\"/></schema>"},
         {u"duplicate.xml", kTestSchema},
         {u"empty.xml", ""},
     };
     QDir(QString::fromStdU16String(mFolder)).removeRecursively();
-    for (auto const &c : cases) WriteSchema(c.file, c.text);
+    for (auto const &c : cases)
+        WriteSchema(c.file, c.text);
     ClearErrorInfos();
     EXPECT_EQ(LoadSchemaDefinitionsFromFolder(mFolder, false), 0);
     auto const errors = GetErrorInfos();
@@ -269,8 +273,10 @@ TEST_F(PathAndDefinitionsTest, CustomSchemaIsWrittenAndReadBackAtStart)
     ASSERT_TRUE(reread);
     EXPECT_TRUE(reread->IsCustom());
     EXPECT_EQ(reread->mLabel, schema->mLabel);
-    EXPECT_EQ(PrimitiveTypeOfPath(PathForSchemaNameAndPropertyName(reread->mNamespace, "Pages")), kPrimitiveType_Integer);
-    EXPECT_EQ(PrimitiveTypeOfPath(PathForSchemaNameAndPropertyName(reread->mNamespace, "Done")), kPrimitiveType_Boolean);
+    EXPECT_EQ(PrimitiveTypeOfPath(PathForSchemaNameAndPropertyName(reread->mNamespace, "Pages")),
+              kPrimitiveType_Integer);
+    EXPECT_EQ(PrimitiveTypeOfPath(PathForSchemaNameAndPropertyName(reread->mNamespace, "Done")),
+              kPrimitiveType_Boolean);
     EXPECT_TRUE(RemovePropertyFromSchema(reread, "Done"));
     EXPECT_FALSE(RemovePropertyFromSchema(reread, "Done"));
 

@@ -158,7 +158,7 @@ Def ReadDef(QXmlStreamReader &xml, Schema const &schema)
 
 // The loaded files; every test reads them afresh (one process per test).
 class StandardDefinitionsTest : public ::testing::Test {
-  protected:
+protected:
     void SetUp() override
     {
         for (auto const &f : XmlFiles(QStringLiteral("definitions"))) {

@@ -65,7 +65,8 @@ struct RecordingBuilder : ViewBuilderInterface {
     void AddProperty(std::shared_ptr<ViewItem> const &item, PropertyDefinition const &) override
     {
         std::string line = "property " + item->mPath.mPath;
-        for (auto const &[key, value] : item->mAttributes) line += " " + key + "=" + value;
+        for (auto const &[key, value] : item->mAttributes)
+            line += " " + key + "=" + value;
         if (!item->mChoices.empty()) line += " choices=" + std::to_string(item->mChoices.size());
         mLog.push_back(line);
     }
@@ -86,7 +87,8 @@ TEST_F(UserFilesTest, RecentEntriesAreBoundedNewestFirstAndPersist)
     UpdateMRULists("dc:subject", {u"boat", u"sea"});
     UpdateMRULists("dc:subject", {u"harbour", u"boat", u""});
     EXPECT_EQ(GetMRUList("dc:subject"), (std::vector<std::u16string>{u"harbour", u"boat", u"sea"}));
-    for (int i = 0; i < 30; ++i) UpdateMRULists("dc:creator", {u"name " + kivcore::utility::Utf8ToUtf16(std::to_string(i))});
+    for (int i = 0; i < 30; ++i)
+        UpdateMRULists("dc:creator", {u"name " + kivcore::utility::Utf8ToUtf16(std::to_string(i))});
     auto const creators = GetMRUList("dc:creator");
     ASSERT_EQ(creators.size(), kMRUListLength);
     EXPECT_EQ(creators.front(), u"name 29");
@@ -138,7 +140,8 @@ TEST_F(UserFilesTest, TemplatesAreSavedListedLoadedAndRefusedWhenBroken)
 
 TEST_F(UserFilesTest, ViewSettingsRoundTripAndRefuseFilesThatDoNotParse)
 {
-    std::set<Path> const paths{{kDC, "dc:title"}, {kIptc, "Iptc4xmpCore:CreatorContactInfo/Iptc4xmpCore:CiEmailWork"},
+    std::set<Path> const paths{{kDC, "dc:title"},
+                               {kIptc, "Iptc4xmpCore:CreatorContactInfo/Iptc4xmpCore:CiEmailWork"},
                                {"http://x/&<\"", "x:a"}};
     std::string text;
     ASSERT_TRUE(IncludedLeafPathsAsXMLString(paths, text));
@@ -181,7 +184,8 @@ TEST_F(UserFilesTest, BuildViewWalksSectionsStructsAndArraysAndSkipsWhatItCannot
     <property path="Iptc4xmpExt:LocationShown"/>
     <section label="nested sections are refused"/>
   </section>
-</panel>)", u"mine.xml");
+</panel>)",
+                                    u"mine.xml");
     EXPECT_EQ(view, nullptr); // a section inside a section
 
     view = ParseViewDefinition(R"(<panel xmlns="urn:kivmetadata:panel:1" name="Mine" label="Mine">
@@ -197,7 +201,8 @@ TEST_F(UserFilesTest, BuildViewWalksSectionsStructsAndArraysAndSkipsWhatItCannot
     <array path="dc:subject"/>
     <property path="Iptc4xmpExt:LocationShown"/>
   </section>
-</panel>)", u"mine.xml");
+</panel>)",
+                               u"mine.xml");
     ASSERT_TRUE(view);
     RegisterViewDefinition(view);
     EXPECT_EQ(GetViewDefinitionForName("Mine"), view);
@@ -243,7 +248,8 @@ TEST_F(UserFilesTest, StandardAndUserPanelsAreFoundByName)
     EXPECT_EQ(mine->mLabel, "Mine");
     EXPECT_FALSE(mine->mFilePath.empty());
     bool junkReported = false;
-    for (auto const &e : GetErrorInfos()) junkReported = junkReported || e.mContext.find("junk.xml") != std::string::npos;
+    for (auto const &e : GetErrorInfos())
+        junkReported = junkReported || e.mContext.find("junk.xml") != std::string::npos;
     EXPECT_TRUE(junkReported);
 }
 
@@ -280,10 +286,10 @@ TEST_F(UserFilesTest, OlderGenericPanelsOfEachVersionAreConverted)
     EXPECT_TRUE(QFile::exists(QString::fromStdU16String(UserPanelDirectory() + u"/Press.xml")));
     RecordingBuilder builder;
     BuildView(press, builder);
-    EXPECT_EQ(builder.mLog, (std::vector<std::string>{"view Press", "section Main", "property dc:title",
-                                                      "property xmp:Rating rating=true size=16",
-                                                      "property dc:format dropdown=true choices=1", "end section",
-                                                      "end view"}));
+    EXPECT_EQ(builder.mLog,
+              (std::vector<std::string>{"view Press", "section Main", "property dc:title",
+                                        "property xmp:Rating rating=true size=16",
+                                        "property dc:format dropdown=true choices=1", "end section", "end view"}));
 
     EXPECT_TRUE(utility::LoadAndConvertGenericPanels(utility::kGXVersion_GX5, report));
     auto desk = GetViewDefinitionForName("Desk");

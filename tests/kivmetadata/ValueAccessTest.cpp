@@ -102,9 +102,15 @@ TEST_F(ValueAccessTest, MinimalFloatTextIsTheShortestExactForm)
     struct Case {
         double value;
         char const *text;
-    } const cases[] = {{3, "3"}, {2.5, "2.5"}, {-0.0, "0"}, {0.1, "0.1"}, {1e21, "1000000000000000000000"},
-                       {-4.25, "-4.25"}, {1.0 / 3.0, "0.3333333333333333"}};
-    for (auto const &c : cases) EXPECT_EQ(MinimalFloatText(c.value), c.text) << c.value;
+    } const cases[] = {{3, "3"},
+                       {2.5, "2.5"},
+                       {-0.0, "0"},
+                       {0.1, "0.1"},
+                       {1e21, "1000000000000000000000"},
+                       {-4.25, "-4.25"},
+                       {1.0 / 3.0, "0.3333333333333333"}};
+    for (auto const &c : cases)
+        EXPECT_EQ(MinimalFloatText(c.value), c.text) << c.value;
     EXPECT_TRUE(SetMinimalFloatValue(V(kXMP, "Rating"), 4.0));
     EXPECT_EQ(Text(V(kXMP, "Rating")), "4");
 }
@@ -119,11 +125,11 @@ TEST_F(ValueAccessTest, ValuesOfTheWrongTypeAreRefusedWithARecordAndChangeNothin
         char const *name;
         char const *text;
     } const cases[] = {
-        {kXMP, "Rating", "seven"},             // not a number
-        {kXMP, "Rating", "9"},                 // above the rating type's maximum
-        {kRights, "Marked", "perhaps"},        // not a boolean
-        {kPhotoshop, "Urgency", "42"},         // not one of the closed choices
-        {kXMP, "CreateDate", "yesterday"},     // not a date
+        {kXMP, "Rating", "seven"},                                                  // not a number
+        {kXMP, "Rating", "9"},                                                      // above the rating type's maximum
+        {kRights, "Marked", "perhaps"},                                             // not a boolean
+        {kPhotoshop, "Urgency", "42"},                                              // not one of the closed choices
+        {kXMP, "CreateDate", "yesterday"},                                          // not a date
         {"http://iptc.org/std/Iptc4xmpCore/1.0/xmlns/", "CreatorContactInfo", "x"}, // a struct
     };
     for (auto const &c : cases) {
@@ -186,7 +192,9 @@ TEST_F(ValueAccessTest, UpdateAccessesNestAndTellListenersOnceAtTheEnd)
     EXPECT_EQ(told, recorder->GetMeta());
     ASSERT_EQ(recorder->mSeen.size(), 1u);
     EXPECT_EQ(recorder->mSeen[0].size(), 2u);
-    { MetaDataUpdateAccess nothing(recorder); }
+    {
+        MetaDataUpdateAccess nothing(recorder);
+    }
     EXPECT_EQ(calls, 1);
     MetaDataReadAccess read(recorder);
     EXPECT_EQ(read.GetMeta(), recorder->GetMeta());
@@ -219,8 +227,8 @@ TEST_F(ValueAccessTest, SeveralAssetsAnswerSeveralValuesAndTakeEveryWrite)
     EXPECT_FALSE(GetValue(value(kDC, "rights"), text, result));
     EXPECT_EQ(result, kGetValueResult_Absent);
     // The union of differing keyword lists, in first-seen order.
-    EXPECT_TRUE(GetValue(Value{false, PathForSchemaNameAndPropertyName(kTransientNamespace, "subject"), multi}, text,
-                         result));
+    EXPECT_TRUE(
+        GetValue(Value{false, PathForSchemaNameAndPropertyName(kTransientNamespace, "subject"), multi}, text, result));
     EXPECT_EQ(text, "boat; sea; harbour");
     EXPECT_FALSE(multi->AcceptsPath(Value{false, Path{kTransientNamespace, "kivtransient:subject"}, multi}, true));
 

@@ -15,7 +15,8 @@ constexpr char kXMP[] = "http://ns.adobe.com/xap/1.0/";
 constexpr char kIptc[] = "http://iptc.org/std/Iptc4xmpCore/1.0/xmlns/";
 constexpr char kFoo[] = "http://foo.example/ns/";
 
-constexpr char kPacket[] = R"(<x:xmpmeta xmlns:x="adobe:ns:meta/"><rdf:RDF xmlns:rdf="http://www.w3.org/1999/02/22-rdf-syntax-ns#">
+constexpr char kPacket[] =
+    R"(<x:xmpmeta xmlns:x="adobe:ns:meta/"><rdf:RDF xmlns:rdf="http://www.w3.org/1999/02/22-rdf-syntax-ns#">
 <rdf:Description rdf:about="" xmlns:dc="http://purl.org/dc/elements/1.1/" xmlns:xmp="http://ns.adobe.com/xap/1.0/"
   xmlns:foo="http://foo.example/ns/" xmlns:Iptc4xmpCore="http://iptc.org/std/Iptc4xmpCore/1.0/xmlns/"
   xmlns:xmpMM="http://ns.adobe.com/xap/1.0/mm/">

@@ -32,8 +32,7 @@ using kivmetadataui::ControlStatus;
 using kivtest::RecordingProvider;
 using kivtest::TestPath;
 
-template <typename T>
-IntrusivePtr<T> Make()
+template <typename T> IntrusivePtr<T> Make()
 {
     return IntrusivePtr<T>(new T());
 }
@@ -119,7 +118,8 @@ TEST_F(BindControlTest, TextEditsWriteTextAndDeleteWhenEmptyOrUnknown)
     auto edit = Make<kivui::UI_TextEdit>();
     edit->SetValue(u"Gr\u00fc\u00dfe \u2603", false);
     kivmetadataui::UpdateValue(ValueOf("note"), edit);
-    EXPECT_EQ(mProvider->Text("note"), "Gr\xc3\xbc\xc3\x9f" "e \xe2\x98\x83");
+    EXPECT_EQ(mProvider->Text("note"), "Gr\xc3\xbc\xc3\x9f"
+                                       "e \xe2\x98\x83");
     ExpectChanged("note");
 
     edit->SetValue(u"", false);
@@ -321,7 +321,8 @@ TEST_F(BindControlTest, SeveralAssetsShowMultipleValues)
     // Keywords show what the assets have together instead.
     auto subject = Make<kivui::UI_TextEdit>();
     kivmetadataui::UpdateControl(
-        Value{false, kivmetadata::PathForSchemaNameAndPropertyName("http://purl.org/dc/elements/1.1/", "subject"), multi},
+        Value{false, kivmetadata::PathForSchemaNameAndPropertyName("http://purl.org/dc/elements/1.1/", "subject"),
+              multi},
         subject);
     EXPECT_EQ(subject->GetUnknownStateText(), u"x; y");
 }

@@ -137,8 +137,7 @@ inline std::string TestPacket(std::string const &body)
 // write acceptance a test may withdraw.
 class RecordingProvider : public kivmetadata::MemoryMetaDataProvider {
 public:
-    explicit RecordingProvider(std::string const &packet)
-        : MemoryMetaDataProvider(kivmetadata::XMPMeta::Parse(packet))
+    explicit RecordingProvider(std::string const &packet) : MemoryMetaDataProvider(kivmetadata::XMPMeta::Parse(packet))
     {
     }
     static std::shared_ptr<RecordingProvider> Make(std::string const &body = {})

@@ -44,8 +44,7 @@ using kivmetadataui::Control;
 using kivtest::RecordingProvider;
 using kivtest::TestPath;
 
-template <typename T>
-T *ViewAs(std::shared_ptr<Control> const &control)
+template <typename T> T *ViewAs(std::shared_ptr<Control> const &control)
 {
     return control ? dynamic_cast<T *>(control->GetView().get()) : nullptr;
 }
@@ -94,7 +93,8 @@ protected:
     }
 
     Value ValueOf(std::string const &name) { return Value{false, TestPath(name), mProvider}; }
-    std::shared_ptr<Control> Make(std::string const &name, std::shared_ptr<ViewItem> item = nullptr, bool readOnly = false)
+    std::shared_ptr<Control> Make(std::string const &name, std::shared_ptr<ViewItem> item = nullptr,
+                                  bool readOnly = false)
     {
         return kivmetadataui::ControlFactory(ValueOf(name), std::move(item), mParent, readOnly, nullptr, nullptr);
     }
@@ -106,12 +106,13 @@ protected:
 TEST_F(ControlFactoryTest, ChoosesByTypeIdThenPrimitiveType)
 {
     const std::map<std::string, std::string> expected{
-        {"count", "number"},    {"ratio", "number"},         {"note", "autocomplete"}, {"caption", "autocomplete"},
+        {"count", "number"},      {"ratio", "number"},       {"note", "autocomplete"}, {"caption", "autocomplete"},
         {"tags", "autocomplete"}, {"steps", "autocomplete"}, {"flag", "checkbox"},     {"mood", "editable popup"},
-        {"level", "popup"},     {"home", "url"},             {"link", "autocomplete"}, {"stars", "stars"},
-        {"when", "date"},       {"speed", "static"},
+        {"level", "popup"},       {"home", "url"},           {"link", "autocomplete"}, {"stars", "stars"},
+        {"when", "date"},         {"speed", "static"},
     };
-    for (auto const &[name, kind] : expected) EXPECT_EQ(KindOf(Make(name)), kind) << name;
+    for (auto const &[name, kind] : expected)
+        EXPECT_EQ(KindOf(Make(name)), kind) << name;
 
     auto level = Make("level");
     auto *popup = ViewAs<kivui::UI_Popup>(level);
@@ -206,12 +207,12 @@ TEST_F(ControlFactoryTest, CustomCreatorWinsAndEmptyResultFallsBack)
     IntrusivePtr<kivui::UI_Node> seenParent;
     IntrusivePtr<kivui::UI_SubView> customView(new kivui::UI_SubView());
     bool answer = true;
-    kivmetadataui::RegisterControlCreator(
-        [&](Value const &, std::shared_ptr<ViewItem> item, IntrusivePtr<kivui::UI_Node> parent) -> std::shared_ptr<Control> {
-            seenItem = item;
-            seenParent = parent;
-            return answer ? std::make_shared<Control>(customView, nullptr) : nullptr;
-        });
+    kivmetadataui::RegisterControlCreator([&](Value const &, std::shared_ptr<ViewItem> item,
+                                              IntrusivePtr<kivui::UI_Node> parent) -> std::shared_ptr<Control> {
+        seenItem = item;
+        seenParent = parent;
+        return answer ? std::make_shared<Control>(customView, nullptr) : nullptr;
+    });
     auto custom = Make("note");
     ASSERT_TRUE(custom);
     EXPECT_EQ(custom->GetView(), customView);

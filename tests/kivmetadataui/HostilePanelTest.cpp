@@ -26,7 +26,7 @@ using kivtest::RecordingProvider;
 using kivtest::TestPath;
 
 class HostilePanelTest : public ::testing::Test {
-  protected:
+protected:
     void SetUp() override
     {
         kivmetadataui::Initialize();

@@ -103,7 +103,8 @@ std::set<QString> Lines(QString const &text)
 {
     std::set<QString> lines;
     for (QString const &line : text.split(u'\n', Qt::SkipEmptyParts)) {
-        if (!line.startsWith(QLatin1String("xmp:MetadataDate=")) && !line.simplified().contains(QLatin1String("] MetadataDate :")))
+        if (!line.startsWith(QLatin1String("xmp:MetadataDate=")) &&
+            !line.simplified().contains(QLatin1String("] MetadataDate :")))
             lines.insert(line);
     }
     return lines;
@@ -119,14 +120,14 @@ std::set<QString> Minus(std::set<QString> const &a, std::set<QString> const &b)
 
 // The library (and with it the XMP toolkit) is started once for the binary.
 class LibraryEnvironment : public ::testing::Environment {
-  public:
+public:
     void SetUp() override { kivmetadataui::Initialize(); }
     void TearDown() override { kivmetadataui::Terminate(); }
 };
 ::testing::Environment *const gLibrary = ::testing::AddGlobalTestEnvironment(new LibraryEnvironment);
 
 class KivmetaTest : public ::testing::Test {
-  protected:
+protected:
     void SetUp() override { ASSERT_TRUE(mFolder.isValid()); }
 
     QString MakeJpeg(QString const &name, std::string packet = kPacket)

@@ -55,14 +55,14 @@ QByteArray ReadAll(QString const &path)
 }
 
 class LibraryEnvironment : public ::testing::Environment {
-  public:
+public:
     void SetUp() override { kivmetadataui::Initialize(); }
     void TearDown() override { kivmetadataui::Terminate(); }
 };
 ::testing::Environment *const gLibrary = ::testing::AddGlobalTestEnvironment(new LibraryEnvironment);
 
 class MetadataDialogTest : public ::testing::Test {
-  protected:
+protected:
     void SetUp() override
     {
         ASSERT_TRUE(mFolder.isValid());

@@ -87,8 +87,7 @@ std::shared_ptr<ViewDefinition> Definition(std::vector<std::shared_ptr<ViewItem>
     return definition;
 }
 
-template <typename T>
-T *FindByType(kivui::UI_Node *inNode)
+template <typename T> T *FindByType(kivui::UI_Node *inNode)
 {
     if (auto *found = dynamic_cast<T *>(inNode)) return found;
     for (int i = 0; i < inNode->UI_CountChildren(); ++i)
@@ -107,14 +106,14 @@ protected:
             [this](kivcore::debug::AssertInfo const &inInfo) { mAsserts.push_back(inInfo); });
         mHost = IntrusivePtr<UI_SubView>(new UI_SubView);
         mHost->UI_SetLocalRectF(RectF{0, 0, 600, 800});
-        mProvider = MemoryMetaDataProvider::FromPacket(Packet(
-            R"(<dc:title><rdf:Alt><rdf:li xml:lang="x-default">Harbour at dawn</rdf:li></rdf:Alt></dc:title>)"
-            R"(<dc:description><rdf:Alt><rdf:li xml:lang="x-default">Boats</rdf:li></rdf:Alt></dc:description>)"
-            R"(<Iptc4xmpExt:LocationShown><rdf:Bag>)"
-            R"(<rdf:li rdf:parseType="Resource"><Iptc4xmpExt:City>Paris</Iptc4xmpExt:City>)"
-            R"(<Iptc4xmpExt:CountryName>France</Iptc4xmpExt:CountryName></rdf:li>)"
-            R"(<rdf:li rdf:parseType="Resource"><Iptc4xmpExt:City>Oslo</Iptc4xmpExt:City></rdf:li>)"
-            R"(</rdf:Bag></Iptc4xmpExt:LocationShown>)"));
+        mProvider = MemoryMetaDataProvider::FromPacket(
+            Packet(R"(<dc:title><rdf:Alt><rdf:li xml:lang="x-default">Harbour at dawn</rdf:li></rdf:Alt></dc:title>)"
+                   R"(<dc:description><rdf:Alt><rdf:li xml:lang="x-default">Boats</rdf:li></rdf:Alt></dc:description>)"
+                   R"(<Iptc4xmpExt:LocationShown><rdf:Bag>)"
+                   R"(<rdf:li rdf:parseType="Resource"><Iptc4xmpExt:City>Paris</Iptc4xmpExt:City>)"
+                   R"(<Iptc4xmpExt:CountryName>France</Iptc4xmpExt:CountryName></rdf:li>)"
+                   R"(<rdf:li rdf:parseType="Resource"><Iptc4xmpExt:City>Oslo</Iptc4xmpExt:City></rdf:li>)"
+                   R"(</rdf:Bag></Iptc4xmpExt:LocationShown>)"));
         ASSERT_TRUE(mProvider);
     }
     void TearDown() override { kivcore::debug::SetAssertHandler(mPrevious); }
@@ -320,8 +319,8 @@ TEST_F(MetadataLayoutViewTest, DefinitionChangesAndMargins)
 TEST_F(MetadataLayoutViewTest, TabKeepsTheFocusedControlInSight)
 {
     std::vector<std::shared_ptr<ViewItem>> items;
-    for (char const *name : {"title", "description", "rights", "source", "coverage", "identifier", "language",
-                             "format", "type", "relation", "publisher", "contributor", "creator", "subject"})
+    for (char const *name : {"title", "description", "rights", "source", "coverage", "identifier", "language", "format",
+                             "type", "relation", "publisher", "contributor", "creator", "subject"})
         items.push_back(Item(ViewItem::Kind::kProperty, kDC, name));
     auto view = MakeView(Definition(items));
     view->UI_SetLocalRectF(RectF{0, 0, 600, 120});
@@ -384,8 +383,8 @@ TEST_F(MetadataLayoutViewTest, ArrayEditorEditsItemsThroughTheProvider)
 
     std::vector<std::set<Path>> changes;
     int notified = 0;
-    auto listener = std::make_shared<kivmetadata::MetaDataProvider::ChangeListener>(
-        [&](kivmetadata::XMPMeta *) { ++notified; });
+    auto listener =
+        std::make_shared<kivmetadata::MetaDataProvider::ChangeListener>([&](kivmetadata::XMPMeta *) { ++notified; });
     mProvider->AddChangeListener(listener);
 
     float const closedHeight = array->UI_GetLocalRectF(false).height;
@@ -431,8 +430,8 @@ protected:
     std::shared_ptr<MemoryMetaDataProvider> ProviderOfSize(std::size_t inBytes)
     {
         auto measure = [](std::size_t inFill) {
-            auto provider = MemoryMetaDataProvider::FromPacket(Packet(
-                "<dc:source>" + std::string(inFill, 'x') + "</dc:source>"));
+            auto provider =
+                MemoryMetaDataProvider::FromPacket(Packet("<dc:source>" + std::string(inFill, 'x') + "</dc:source>"));
             kivmetadata::MetaDataReadAccess access(provider);
             return std::make_pair(provider, access.GetMeta()->Serialize(16, 0).size());
         };

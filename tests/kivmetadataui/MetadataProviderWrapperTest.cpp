@@ -42,9 +42,9 @@ protected:
     void SetUp() override
     {
         kivmetadataui::Initialize();
-        mWrapped = MemoryMetaDataProvider::FromPacket(kivtest::Packet(
-            R"(<xmp:CreatorTool>kiv</xmp:CreatorTool><xmp:Rating>2</xmp:Rating>)"
-            R"(<dc:subject><rdf:Bag><rdf:li>one</rdf:li><rdf:li>two</rdf:li></rdf:Bag></dc:subject>)"));
+        mWrapped = MemoryMetaDataProvider::FromPacket(
+            kivtest::Packet(R"(<xmp:CreatorTool>kiv</xmp:CreatorTool><xmp:Rating>2</xmp:Rating>)"
+                            R"(<dc:subject><rdf:Bag><rdf:li>one</rdf:li><rdf:li>two</rdf:li></rdf:Bag></dc:subject>)"));
         ASSERT_TRUE(mWrapped);
         mWrapped->AddChangeListener(mListener);
     }

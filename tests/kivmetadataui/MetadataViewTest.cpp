@@ -125,13 +125,13 @@ std::string const kSample =
            "<kvu:title>Cafe\xCC\x81 noir</kvu:title><kvw:caption>Last</kvw:caption>");
 
 class RecordingMover : public kivmetadataui::FocusMover {
-  public:
+public:
     void MoveOutToNextNodeFocusOrder(bool inForward) override { mMoves.push_back(inForward); }
     std::vector<bool> mMoves;
 };
 
 class RecordingLinks : public kivmetadataui::MetadataView_LinkDelegate {
-  public:
+public:
     bool IsPathLinked(Path const &inPath) override { return mLinked.count(inPath) != 0; }
     void SetPathLinked(Path const &inPath, bool inLinked) override
     {
@@ -149,7 +149,7 @@ class RecordingLinks : public kivmetadataui::MetadataView_LinkDelegate {
 };
 
 class MetadataViewTest : public ::testing::Test {
-  protected:
+protected:
     void SetUp() override
     {
         kivmetadataui::Initialize();

@@ -22,7 +22,7 @@ namespace {
 using kivmetadataui::MetadataWidget;
 
 class MetadataWidgetTest : public ::testing::Test {
-  protected:
+protected:
     void SetUp() override
     {
         kivmetadataui::Initialize();

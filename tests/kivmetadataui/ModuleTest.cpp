@@ -52,8 +52,10 @@ protected:
     void SetUp() override { ASSERT_EQ(module::GetInitializationCount(), 0); }
     void TearDown() override
     {
-        while (module::GetInitializationCount() > 0) kivmetadataui::Terminate();
-        while (module::GetInitializationCount() < 0) kivmetadataui::Initialize();
+        while (module::GetInitializationCount() > 0)
+            kivmetadataui::Terminate();
+        while (module::GetInitializationCount() < 0)
+            kivmetadataui::Initialize();
         kivmetadataui::RegisterControlCreator(nullptr);
     }
 };
@@ -197,8 +199,7 @@ TEST(ModuleInfoTest, RegistersTheDateEditSkinOfEachAvailableLook)
     EXPECT_TRUE(setV5->HasSkin("kivmetadataui::V5DateTextEditSkin"));
     EXPECT_EQ(setV7->GetSkin("kivmetadataui::V7DateTextEditSkin"),
               kivui::skins::SkinSingleton<v7::V7DateTextEditSkin>::Get()->GetDescription());
-    EXPECT_NE(setV5->GetSkin("kivmetadataui::V5DateTextEditSkin"),
-              setV7->GetSkin("kivmetadataui::V7DateTextEditSkin"))
+    EXPECT_NE(setV5->GetSkin("kivmetadataui::V5DateTextEditSkin"), setV7->GetSkin("kivmetadataui::V7DateTextEditSkin"))
         << "the two looks differ";
     SkinManager::SetSkinVersion(before);
 }

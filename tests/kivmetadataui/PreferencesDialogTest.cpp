@@ -101,7 +101,7 @@ void PushOnDialog(std::function<void(OpenDialog const &)> action, ScriptedAnswer
 }
 
 class PreferencesDialogTest : public ::testing::Test {
-  public:
+public:
     static void SetUpTestSuite() { kivmetadataui::Initialize(); }
     static void TearDownTestSuite() { kivmetadataui::Terminate(); }
     void SetUp() override

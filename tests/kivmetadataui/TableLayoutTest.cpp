@@ -125,8 +125,7 @@ TEST_F(TableLayoutTest, MarginMaskSelectsEachMargin)
         float left, top, right, bottom;
     };
     for (Case c : {Case{0, 0, 0, 0, 0}, Case{1, 10, 0, 0, 0}, Case{2, 0, 10, 0, 0}, Case{4, 0, 0, 10, 0},
-                   Case{8, 0, 0, 0, 10}, Case{5, 10, 0, 10, 0}, Case{15, 10, 10, 10, 10},
-                   Case{255, 10, 10, 10, 10}}) {
+                   Case{8, 0, 0, 0, 10}, Case{5, 10, 0, 10, 0}, Case{15, 10, 10, 10, 10}, Case{255, 10, 10, 10, 10}}) {
         auto table = Table();
         table->SetMargins(kivcore::Flags<unsigned char>(c.mask));
         EXPECT_EQ(table->GetLeftMargin(), c.left) << int(c.mask);
@@ -194,8 +193,8 @@ TEST_F(TableLayoutTest, SetColumnItemCentresShortCellsAndBindsContent)
         float y;
         float resultHeight;
     };
-    for (Case c : {Case{13, 3, 13}, Case{14, 2, 14}, Case{18, 0, 18}, Case{0, 0, 19}, Case{19, 0, 19},
-                   Case{30, 0, 30}}) {
+    for (Case c :
+         {Case{13, 3, 13}, Case{14, 2, 14}, Case{18, 0, 18}, Case{0, 0, 19}, Case{19, 0, 19}, Case{30, 0, 30}}) {
         RowItem row;
         auto item = Item(40, c.height);
         row.SetColumnItem(1, item);

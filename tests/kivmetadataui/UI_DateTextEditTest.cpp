@@ -29,7 +29,8 @@ protected:
     void ShowValidationWarning(std::u16string const &inWarning) override { mWarnings.push_back(inWarning); }
 };
 
-const std::u16string kWarning = u"The date format is not valid. Please enter date in YYYY/MM/DD HH:MM:SS \u00b1HH:MM format.";
+const std::u16string kWarning =
+    u"The date format is not valid. Please enter date in YYYY/MM/DD HH:MM:SS \u00b1HH:MM format.";
 
 TEST(UI_DateTextEditTest, SetValueNormalisesDatesAndKeepsOtherText)
 {
@@ -37,9 +38,10 @@ TEST(UI_DateTextEditTest, SetValueNormalisesDatesAndKeepsOtherText)
     struct Case {
         std::u16string typed, shown;
     };
-    for (Case const &c : {Case{u"2013/01/01 12:00:00 +05:30", u"2013-01-01 12:00 +05:30"},
-                          Case{u"  2013/04/30  ", u"2013-04-30"}, Case{u"2013-01-01T23;59;59.9+01", u"2013-01-01 23:59:59.9 +01:00"},
-                          Case{u"2012/02/29 00:00:00-03:00", u"2012-02-29 00:00 -03:00"}}) {
+    for (Case const &c :
+         {Case{u"2013/01/01 12:00:00 +05:30", u"2013-01-01 12:00 +05:30"}, Case{u"  2013/04/30  ", u"2013-04-30"},
+          Case{u"2013-01-01T23;59;59.9+01", u"2013-01-01 23:59:59.9 +01:00"},
+          Case{u"2012/02/29 00:00:00-03:00", u"2012-02-29 00:00 -03:00"}}) {
         edit->SetValue(c.typed);
         EXPECT_EQ(edit->GetValue(), c.shown);
         ASSERT_TRUE(edit->GetDateTime().has_value());
@@ -78,7 +80,8 @@ TEST(UI_DateTextEditTest, TypedTextIsRefusedOrNormalisedOnCommit)
     QLineEdit *line = edit->GetLineEdit();
     ASSERT_NE(line, nullptr);
     int changes = 0;
-    edit->NotifyWhenChanged(std::make_shared<std::function<void(kivui::Message *)>>([&](kivui::Message *) { ++changes; }));
+    edit->NotifyWhenChanged(
+        std::make_shared<std::function<void(kivui::Message *)>>([&](kivui::Message *) { ++changes; }));
 
     QTest::keyClicks(line, QStringLiteral("2013/1/1"));
     EXPECT_FALSE(edit->CommitEditing());

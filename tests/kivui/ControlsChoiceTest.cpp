@@ -13,6 +13,7 @@
 
 #include <gtest/gtest.h>
 
+#include "ControlListener.h"
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
@@ -22,7 +23,6 @@
 #include <QRadioButton>
 #include <QStyle>
 #include <QStyleOptionButton>
-#include "ControlListener.h"
 
 #include <QTest>
 #include <QToolButton>
@@ -75,8 +75,8 @@ TEST_F(ControlsChoiceTest, CheckboxHasThreeStatesButTheUserTogglesOnlyTwo)
     // A click on the box itself (a wide check box is mostly label).
     QStyleOptionButton option;
     option.initFrom(box->GetCheckBox());
-    QRect const indicator = box->GetCheckBox()->style()->subElementRect(QStyle::SE_CheckBoxIndicator, &option,
-                                                                        box->GetCheckBox());
+    QRect const indicator =
+        box->GetCheckBox()->style()->subElementRect(QStyle::SE_CheckBoxIndicator, &option, box->GetCheckBox());
     QTest::mouseClick(box->GetCheckBox(), Qt::LeftButton, {}, indicator.center());
     EXPECT_EQ(box->GetValue(), UI_Checkbox::kChecked);
     EXPECT_EQ(listener.changed, 3);

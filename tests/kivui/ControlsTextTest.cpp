@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include "ControlListener.h"
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QCompleter>
@@ -16,7 +17,6 @@
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <QScrollBar>
-#include "ControlListener.h"
 
 #include <QTest>
 #include <QToolButton>
@@ -102,7 +102,8 @@ TEST_F(ControlsTextTest, ControlDroppedByItsOwnChangeHandlerLivesUntilTheEventLo
     auto edit = Add(MakeIntrusive<UI_TextEdit>());
     QPointer<QWidget> widget = edit->UI_GetWidget();
     int ends = 0;
-    edit->NotifyWhenChanged(std::make_shared<std::function<void(Message *)>>([&](Message *) { window->DeleteChildren(); }));
+    edit->NotifyWhenChanged(
+        std::make_shared<std::function<void(Message *)>>([&](Message *) { window->DeleteChildren(); }));
     edit->NotifyWhenChangedInteractively(std::make_shared<std::function<void(Message *)>>([&](Message *m) {
         if (static_cast<UI_InteractiveControlChangedMessage *>(m)->GetChangeMessage() == 2) ++ends;
     }));
@@ -156,8 +157,8 @@ TEST_F(ControlsTextTest, ReadOnlyTextCannotBeTypedIntoButStaysSelectable)
         EXPECT_EQ(e->GetValue(), u"fixed");
         EXPECT_FALSE(e->IsEditing());
         e->SelectAll();
-        QString const selected = e->GetLineEdit() ? e->GetLineEdit()->selectedText()
-                                                  : e->GetPlainTextEdit()->textCursor().selectedText();
+        QString const selected =
+            e->GetLineEdit() ? e->GetLineEdit()->selectedText() : e->GetPlainTextEdit()->textCursor().selectedText();
         EXPECT_EQ(selected, QStringLiteral("fixed"));
     }
     EXPECT_TRUE(multi->GetPlainTextEdit()->textInteractionFlags() & Qt::TextSelectableByKeyboard);
@@ -218,8 +219,7 @@ TEST_F(ControlsTextTest, EmptyCommitRestoresThePreviousValueWhenEmptyIsNotAllowe
 TEST_F(ControlsTextTest, MultiLineEditKeepsLineBreaksAndCommitsOnFocusLoss)
 {
     auto edit = Add(MakeIntrusive<UI_TextEdit_MS>());
-    EXPECT_EQ(edit->UI_GetWidget()->property("kivuiClass").toString(),
-              QString::fromLatin1(UI_TextEdit_MS::kClassName));
+    EXPECT_EQ(edit->UI_GetWidget()->property("kivuiClass").toString(), QString::fromLatin1(UI_TextEdit_MS::kClassName));
     EXPECT_EQ(edit->GetPlainTextEdit()->verticalScrollBarPolicy(), Qt::ScrollBarAlwaysOn);
     Listener listener;
     listener.Attach(*edit);

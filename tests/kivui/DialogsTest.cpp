@@ -8,9 +8,9 @@
 #include <kivui/UI_Popup.h>
 #include <kivui/UI_RadioGroup.h>
 #include <kivui/UI_StaticText.h>
+#include <kivui/UI_SubView.h>
 #include <kivui/UI_TextButton.h>
 #include <kivui/UI_TextEdit.h>
-#include <kivui/UI_SubView.h>
 #include <kivui/drawbot/QtSupplier.h>
 
 #include <kivcore/Exceptions.h>
@@ -30,8 +30,7 @@
 #include <string>
 #include <vector>
 
-template <typename T>
-using Ptr = kivcore::utility::IntrusivePtr<T>;
+template <typename T> using Ptr = kivcore::utility::IntrusivePtr<T>;
 using kivui::UI_ArchivedDialog;
 using kivui::UI_Dialog;
 using kivui::dialogs::ScriptedAnswer;
@@ -98,9 +97,9 @@ protected:
 TEST_F(DialogsTest, ConfirmationBoxAnswersAndShowsLocalisedTexts)
 {
     ScriptedResponses::PushOk();
-    EXPECT_TRUE(kivui::dialogs::SimpleConfirmationBox(
-        &mSupplier, "$$$/kivuitest/Delete/Title=Delete Settings", u"Delete 'Basic'?", nullptr,
-        "$$$/kivuitest/Delete/confirm=&Delete"));
+    EXPECT_TRUE(kivui::dialogs::SimpleConfirmationBox(&mSupplier, "$$$/kivuitest/Delete/Title=Delete Settings",
+                                                      u"Delete 'Basic'?", nullptr,
+                                                      "$$$/kivuitest/Delete/confirm=&Delete"));
     ScriptedResponses::PushCancel();
     EXPECT_FALSE(kivui::dialogs::SimpleConfirmationBox(&mSupplier, u"T", u"M", nullptr, u"&Delete"));
 
@@ -108,7 +107,8 @@ TEST_F(DialogsTest, ConfirmationBoxAnswersAndShowsLocalisedTexts)
     QStringList buttons;
     ScriptedResponses::PushAction(
         [&buttons](QWidget *dialog) {
-            for (auto *button : dialog->findChildren<QPushButton *>()) buttons << button->text();
+            for (auto *button : dialog->findChildren<QPushButton *>())
+                buttons << button->text();
         },
         ScriptedAnswer::kCancel);
     kivui::dialogs::SimpleConfirmationBox(&mSupplier, u"T", u"M", nullptr, "$$$/kivuitest/Delete/confirm=&Delete");
@@ -125,9 +125,8 @@ TEST_F(DialogsTest, InputBoxReturnsTypedTextOnlyOnOk)
 {
     std::u16string text = u"NewProperty";
     std::u16string shownText;
-    ScriptedResponses::PushAction([&shownText](QWidget *dialog) {
-        shownText = dialog->findChild<QLineEdit *>()->text().toStdU16String();
-    });
+    ScriptedResponses::PushAction(
+        [&shownText](QWidget *dialog) { shownText = dialog->findChild<QLineEdit *>()->text().toStdU16String(); });
     ScriptedResponses::PushOk(u"Basic ✓");
     EXPECT_TRUE(kivui::dialogs::SimpleInputBox(&mSupplier, "$$$/kivuitest/Save/Title=Save Settings",
                                                "$$$/kivuitest/Save/Label=Name:", text));
@@ -179,7 +178,8 @@ TEST_F(DialogsTest, DialogClosesThroughItsButtonsAndRefusalsStayOpen)
     EXPECT_EQ(dialog->GetResult(), UI_Dialog::Result::kCancel);
 
     // Clicking the real buttons and pressing Escape go the same ways.
-    ScriptedResponses::PushAction([&dialog](QWidget *) { QTest::mouseClick(dialog->mOk->UI_GetWidget(), Qt::LeftButton); });
+    ScriptedResponses::PushAction(
+        [&dialog](QWidget *) { QTest::mouseClick(dialog->mOk->UI_GetWidget(), Qt::LeftButton); });
     EXPECT_TRUE(dialog->RunModal());
     ScriptedResponses::PushAction([](QWidget *w) { QTest::keyClick(w, Qt::Key_Escape); });
     EXPECT_FALSE(dialog->RunModal());
@@ -193,8 +193,8 @@ TEST_F(DialogsTest, DialogClosesThroughItsButtonsAndRefusalsStayOpen)
     // the dialog open until a later OK is accepted.
     dialog->refuseOk = true;
     dialog->okPresses = 0;
-    ScriptedResponses::PushOk();                                                 // the dialog: refused
-    ScriptedResponses::PushOk();                                                 // the stop box
+    ScriptedResponses::PushOk(); // the dialog: refused
+    ScriptedResponses::PushOk(); // the stop box
     ScriptedResponses::PushAction([&dialog](QWidget *) { dialog->refuseOk = false; }, ScriptedAnswer::kOk);
     EXPECT_TRUE(dialog->RunModal());
     EXPECT_EQ(dialog->okPresses, 2);
@@ -220,8 +220,7 @@ TEST_F(DialogsTest, DialogsOpenOverTheirParentsWindow)
     EXPECT_TRUE(dialog->GetDialog()->isWindow());
 
     QWidget *boxParent = nullptr;
-    ScriptedResponses::PushAction([&boxParent](QWidget *box) { boxParent = box->parentWidget(); },
-                                  ScriptedAnswer::kOk);
+    ScriptedResponses::PushAction([&boxParent](QWidget *box) { boxParent = box->parentWidget(); }, ScriptedAnswer::kOk);
     kivui::messagebox::ShowStop(&mSupplier, u"Stop", u"Over the host", inner.get());
     EXPECT_EQ(boxParent, host->UI_GetWidget());
 }

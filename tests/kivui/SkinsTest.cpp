@@ -10,8 +10,8 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
-#include <QLineEdit>
 #include <QFontInfo>
+#include <QLineEdit>
 #include <QPalette>
 
 #include <memory>
@@ -41,7 +41,8 @@ public:
             if (!kivui::skin::AreThemeFeaturesAvailable(SkinManager::GetSkinVersion(), version)) continue;
             SkinSet *set = SkinManager::RetrieveSet(SkinManager::SetNameFor(version));
             ASSERT_NE(set, nullptr);
-            set->AddSkinsToSet({{"kivuitest::RedSkin", kivui::skins::SkinSingleton<RedSkin>::Create()->GetDescription()}});
+            set->AddSkinsToSet(
+                {{"kivuitest::RedSkin", kivui::skins::SkinSingleton<RedSkin>::Create()->GetDescription()}});
         }
     }
     int initializeCalls = 0;
@@ -52,9 +53,8 @@ class SkinsTest : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        mPrevious = kivcore::debug::SetAssertHandler([this](kivcore::debug::AssertInfo const &info) {
-            mAsserts.push_back(info.condition);
-        });
+        mPrevious = kivcore::debug::SetAssertHandler(
+            [this](kivcore::debug::AssertInfo const &info) { mAsserts.push_back(info.condition); });
     }
     void TearDown() override
     {

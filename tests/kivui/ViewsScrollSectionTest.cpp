@@ -24,7 +24,8 @@ namespace {
 
 void Settle()
 {
-    for (int i = 0; i < 5; ++i) QApplication::processEvents();
+    for (int i = 0; i < 5; ++i)
+        QApplication::processEvents();
 }
 
 // Sends a key press and release; every event lives at its own address until
@@ -114,13 +115,13 @@ TEST_F(ScrollViewTest, ScrollIntoViewMovesOnlyAsFarAsNeeded)
         float expectedY;
     };
     Case const cases[] = {
-        {0, {0, 10, 50, 20}, true, 0},       // already visible
-        {0, {0, 300, 50, 20}, true, 220},    // below: its bottom reaches the bottom
-        {500, {0, 300, 50, 20}, true, 300},  // above: its top reaches the top
-        {0, {0, 300, 50, 250}, true, 300},   // taller than the page: the top wins
-        {0, {0, 300, 50, 20}, false, 300},   // not minimal: top goes to the top
-        {0, {0, 990, 50, 20}, false, 900},   // clamped at the end of the content
-        {0, {0, 320, 50, -20}, true, 220},   // a rect of negative height is normalised
+        {0, {0, 10, 50, 20}, true, 0},      // already visible
+        {0, {0, 300, 50, 20}, true, 220},   // below: its bottom reaches the bottom
+        {500, {0, 300, 50, 20}, true, 300}, // above: its top reaches the top
+        {0, {0, 300, 50, 250}, true, 300},  // taller than the page: the top wins
+        {0, {0, 300, 50, 20}, false, 300},  // not minimal: top goes to the top
+        {0, {0, 990, 50, 20}, false, 900},  // clamped at the end of the content
+        {0, {0, 320, 50, -20}, true, 220},  // a rect of negative height is normalised
     };
     for (Case const &c : cases) {
         view->SetScrollPosition(PointF{0, c.startY});

@@ -40,8 +40,8 @@ protected:
         tree = IntrusivePtr<UI_MultiColumnTree>(new UI_MultiColumnTree);
         tree->UI_SetDrawSupplier(&supplier);
         tree->UI_SetLocalRectF(RectF{0, 0, 300, 200});
-        tester = std::make_unique<QAbstractItemModelTester>(
-            view()->model(), QAbstractItemModelTester::FailureReportingMode::Fatal);
+        tester = std::make_unique<QAbstractItemModelTester>(view()->model(),
+                                                            QAbstractItemModelTester::FailureReportingMode::Fatal);
     }
 
     void TearDown() override
@@ -62,7 +62,8 @@ protected:
 
     static void Settle()
     {
-        for (int i = 0; i < 5; ++i) QApplication::processEvents();
+        for (int i = 0; i < 5; ++i)
+            QApplication::processEvents();
     }
 
     // Appends inCount top-level rows whose first text is their number.
@@ -162,7 +163,8 @@ TEST_F(TreeTest, CellViewsAreMadeOnlyForVisibleRowsAndDroppedFarAway)
     EXPECT_EQ(announced.size(), visible.size());
     EXPECT_EQ(visible.front(), tree->GetRow(0));
     EXPECT_EQ(tree->CountPlacedCellViews(), static_cast<int>(visible.size()));
-    for (auto const &row : visible) EXPECT_TRUE(row->IsVisible());
+    for (auto const &row : visible)
+        EXPECT_TRUE(row->IsVisible());
     EXPECT_FALSE(tree->GetRow(500)->IsVisible());
     EXPECT_FALSE(tree->GetRow(500)->GetCellView());
 
@@ -186,7 +188,8 @@ TEST_F(TreeTest, CellViewsAreMadeOnlyForVisibleRowsAndDroppedFarAway)
         Settle();
         EXPECT_LE(tree->CountPlacedCellViews(), 2 * perPage + 40);
     }
-    for (auto const &[row, count] : announced) EXPECT_EQ(count, 1);
+    for (auto const &[row, count] : announced)
+        EXPECT_EQ(count, 1);
     EXPECT_FALSE(first->IsVisible());
     EXPECT_FALSE(cell->isVisible());
 
@@ -336,9 +339,11 @@ TEST_F(TreeTest, SortingReordersEveryLevelAndKeepsCellsWithTheirRows)
         return std::any_cast<int>(a->GetUserData()) < std::any_cast<int>(b->GetUserData());
     });
     std::vector<int> order;
-    for (auto const &row : tree->GetOpenedRows()) order.push_back(std::any_cast<int>(row->GetUserData()));
+    for (auto const &row : tree->GetOpenedRows())
+        order.push_back(std::any_cast<int>(row->GetUserData()));
     EXPECT_EQ(order, (std::vector<int>{1, 3, 5, 2, 4, 8, 9}));
-    for (int i = 0; i < tree->CountRows(); ++i) EXPECT_EQ(tree->GetRow(i)->GetIndexInParent(), i);
+    for (int i = 0; i < tree->CountRows(); ++i)
+        EXPECT_EQ(tree->GetRow(i)->GetIndexInParent(), i);
 
     // The model agrees, and every cell sits on its own row.
     EXPECT_EQ(view()->model()->index(0, 0).data().toString(), QStringLiteral("1"));

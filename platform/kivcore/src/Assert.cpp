@@ -36,8 +36,8 @@ bool IsDebuggerAttached()
 void DoSimpleAssert(char const *unit, char const *function, char const *condition, char const *message, int line)
 {
     ++sCount;
-    AssertInfo info{unit ? unit : "", function ? function : "", condition ? condition : "",
-                    message ? message : "", line};
+    AssertInfo info{unit ? unit : "", function ? function : "", condition ? condition : "", message ? message : "",
+                    line};
     if (Handler()) {
         Handler()(info);
         return;

@@ -5,15 +5,12 @@
 namespace kivcore::config {
 
 NullPtrException::NullPtrException(std::string typeName)
-    : std::runtime_error("null pointer: expected an object of type " + typeName)
-    , mTypeName(std::move(typeName))
+    : std::runtime_error("null pointer: expected an object of type " + typeName), mTypeName(std::move(typeName))
 {
 }
 
 ErrorException::ErrorException(std::string key, int level)
-    : std::runtime_error(std::string(Localizer::DefaultOf(key)))
-    , mKey(std::move(key))
-    , mLevel(level)
+    : std::runtime_error(std::string(Localizer::DefaultOf(key))), mKey(std::move(key)), mLevel(level)
 {
 }
 

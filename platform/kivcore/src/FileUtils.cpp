@@ -25,7 +25,8 @@ std::vector<std::u16string> FileUtils::ContainedFiles(std::u16string const &fold
     if (!dir.exists()) return names;
     const QStringList entries = dir.entryList(QDir::Files | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name);
     names.reserve(static_cast<std::size_t>(entries.size()));
-    for (QString const &e : entries) names.push_back(e.toStdU16String());
+    for (QString const &e : entries)
+        names.push_back(e.toStdU16String());
     return names;
 }
 
@@ -63,7 +64,8 @@ std::u16string FileUtils::ReplaceIllegalFileNameCharacters(std::u16string const 
 std::u16string FileUtils::StripTrailingSlash(std::u16string const &path)
 {
     std::u16string out = path;
-    while (out.size() > 1 && (out.back() == u'/' || out.back() == u'\\')) out.pop_back();
+    while (out.size() > 1 && (out.back() == u'/' || out.back() == u'\\'))
+        out.pop_back();
     return out;
 }
 

@@ -34,7 +34,8 @@ void LoadFile(QString const &path, std::unordered_map<std::string, std::u16strin
     if (!file.open(QIODevice::ReadOnly)) return;
     while (!file.atEnd()) {
         QByteArray line = file.readLine();
-        while (line.endsWith('\n') || line.endsWith('\r')) line.chop(1);
+        while (line.endsWith('\n') || line.endsWith('\r'))
+            line.chop(1);
         if (line.isEmpty() || line.startsWith('#')) continue;
         const int eq = line.indexOf('=');
         if (eq <= 0) continue;
@@ -60,9 +61,9 @@ void EnsureLoaded()
 const std::map<std::u16string, std::u16string> &Escapes()
 {
     static const std::map<std::u16string, std::u16string> escapes{
-        {u"plusmn", u"\u00B1"}, {u"copy", u"\u00A9"},   {u"reg", u"\u00AE"},    {u"trade", u"\u2122"},
-        {u"deg", u"\u00B0"},    {u"times", u"\u00D7"},  {u"emdash", u"\u2014"}, {u"endash", u"\u2013"},
-        {u"hellip", u"\u2026"}, {u"nbsp", u"\u00A0"},   {u"bullet", u"\u2022"},
+        {u"plusmn", u"\u00B1"}, {u"copy", u"\u00A9"},  {u"reg", u"\u00AE"},    {u"trade", u"\u2122"},
+        {u"deg", u"\u00B0"},    {u"times", u"\u00D7"}, {u"emdash", u"\u2014"}, {u"endash", u"\u2013"},
+        {u"hellip", u"\u2026"}, {u"nbsp", u"\u00A0"},  {u"bullet", u"\u2022"},
     };
     return escapes;
 }
@@ -132,8 +133,7 @@ std::u16string Localizer::Localize(std::string_view keyWithDefault)
     const std::string key(KeyOf(keyWithDefault));
     const auto &table = Global().table;
     const auto it = table.find(key);
-    const std::u16string text =
-        it != table.end() ? it->second : utility::Utf8ToUtf16(DefaultOf(keyWithDefault));
+    const std::u16string text = it != table.end() ? it->second : utility::Utf8ToUtf16(DefaultOf(keyWithDefault));
     return ExpandEscapes(text);
 }
 

@@ -35,22 +35,26 @@ std::string Utf16ToUtf8(std::u16string_view utf16)
 std::u16string TrimLeft(std::u16string_view text)
 {
     std::size_t b = 0;
-    while (b < text.size() && IsSpace(text[b])) ++b;
+    while (b < text.size() && IsSpace(text[b]))
+        ++b;
     return std::u16string(text.substr(b));
 }
 
 std::u16string TrimRight(std::u16string_view text)
 {
     std::size_t e = text.size();
-    while (e > 0 && IsSpace(text[e - 1])) --e;
+    while (e > 0 && IsSpace(text[e - 1]))
+        --e;
     return std::u16string(text.substr(0, e));
 }
 
 std::u16string Trim(std::u16string_view text)
 {
     std::size_t b = 0, e = text.size();
-    while (b < e && IsSpace(text[b])) ++b;
-    while (e > b && IsSpace(text[e - 1])) --e;
+    while (b < e && IsSpace(text[b]))
+        ++b;
+    while (e > b && IsSpace(text[e - 1]))
+        --e;
     return std::u16string(text.substr(b, e - b));
 }
 
@@ -58,8 +62,10 @@ std::string Trim(std::string_view utf8)
 {
     auto space = [](char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f' || c == '\v'; };
     std::size_t b = 0, e = utf8.size();
-    while (b < e && space(utf8[b])) ++b;
-    while (e > b && space(utf8[e - 1])) --e;
+    while (b < e && space(utf8[b]))
+        ++b;
+    while (e > b && space(utf8[e - 1]))
+        --e;
     return std::string(utf8.substr(b, e - b));
 }
 

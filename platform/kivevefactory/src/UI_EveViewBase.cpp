@@ -38,8 +38,10 @@ kivcore::utility::IntrusivePtr<kivui::UI_Node> MakeButton(kivui::drawbot::Suppli
 {
     std::u16string const text = kivcore::config::Localizer::Localize(textKey);
     auto button = kivui::UI_NodeFactory::Create("kivui::UI_TextButton", supplier);
-    if (button) kivui::UI_NodeFactory::SetText("kivui::UI_TextButton", *button, text);
-    else button = kivcore::utility::IntrusivePtr<kivui::UI_Node>(new PlainButton(QString::fromStdU16String(text)));
+    if (button)
+        kivui::UI_NodeFactory::SetText("kivui::UI_TextButton", *button, text);
+    else
+        button = kivcore::utility::IntrusivePtr<kivui::UI_Node>(new PlainButton(QString::fromStdU16String(text)));
     button->UI_SetNodeID(id);
     button->UI_SetDrawSupplier(supplier);
     button->UI_GetWidget()->setObjectName(QString::fromStdString(id));

@@ -18,7 +18,8 @@ void AppendTime(std::string &out, XMP_DateTime const &v)
     } else {
         std::snprintf(buffer, sizeof buffer, "T%02d:%02d:%02d.%09d", v.hour, v.minute, v.second, v.nanoSecond);
         std::string text = buffer;
-        while (text.back() == '0') text.pop_back();
+        while (text.back() == '0')
+            text.pop_back();
         out += text;
     }
     if (v.hasTimeZone) {
@@ -67,7 +68,8 @@ bool ParseTime(std::string const &s, std::size_t at, XMP_DateTime &v)
                 ++at;
             }
             if (digits == 0) return false;
-            while (digits++ < 9) nano *= 10;
+            while (digits++ < 9)
+                nano *= 10;
             v.nanoSecond = nano;
         }
     }
@@ -127,7 +129,8 @@ bool ConvertToDate(std::string const &s, XMP_DateTime &v)
     if (!Digits(s, at, 4, year)) return false;
     at += 4;
     // Years beyond four digits.
-    while (at < s.size() && s[at] >= '0' && s[at] <= '9') year = year * 10 + (s[at++] - '0');
+    while (at < s.size() && s[at] >= '0' && s[at] <= '9')
+        year = year * 10 + (s[at++] - '0');
     v.year = negative ? -year : year;
     v.hasDate = true;
     if (at == s.size()) return true;

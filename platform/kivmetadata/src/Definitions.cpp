@@ -87,8 +87,8 @@ void CompleteProperty(PropertyDefinition &property, std::string const &ns, std::
             XMPMeta::RegisterNamespace(property.mNamespace, property.mPrefix, &registered);
         if (!registered.empty()) property.mPrefix = registered;
     }
-    bool const structured = property.mForm == ValueForm::kStruct ||
-                            (property.IsArray() && property.mItemForm == ValueForm::kStruct);
+    bool const structured =
+        property.mForm == ValueForm::kStruct || (property.IsArray() && property.mItemForm == ValueForm::kStruct);
     if (!structured && !property.mPrimitiveType) {
         auto type = TypeIdDefinition(property.mTypeId);
         property.mPrimitiveType = type && type->mPrimitiveType ? *type->mPrimitiveType : kPrimitiveType_Text;
@@ -138,12 +138,18 @@ std::optional<ValueForm> FormFromName(QStringView name)
 char const *FormName(ValueForm form)
 {
     switch (form) {
-    case ValueForm::kSimple: return "simple";
-    case ValueForm::kStruct: return "struct";
-    case ValueForm::kBag: return "bag";
-    case ValueForm::kSeq: return "seq";
-    case ValueForm::kAlt: return "alt";
-    case ValueForm::kLangAlt: return "langAlt";
+    case ValueForm::kSimple:
+        return "simple";
+    case ValueForm::kStruct:
+        return "struct";
+    case ValueForm::kBag:
+        return "bag";
+    case ValueForm::kSeq:
+        return "seq";
+    case ValueForm::kAlt:
+        return "alt";
+    case ValueForm::kLangAlt:
+        return "langAlt";
     }
     return "simple";
 }
@@ -220,7 +226,8 @@ public:
             if (attributes.hasAttribute(QLatin1String("type"))) {
                 type->mPrimitiveType = PrimitiveTypeFromName(attributes.value(QLatin1String("type")));
                 if (!type->mPrimitiveType) {
-                    Fail(error, "unknown type \"" + Utf8(attributes.value(QLatin1String("type"))) + "\" of type " + type->mId);
+                    Fail(error,
+                         "unknown type \"" + Utf8(attributes.value(QLatin1String("type"))) + "\" of type " + type->mId);
                     return false;
                 }
             }
@@ -228,8 +235,8 @@ public:
             type->mMinimum = NumberAttribute(attributes, "min", bad);
             type->mMaximum = NumberAttribute(attributes, "max", bad);
             if (bad || type->mId.empty()) {
-                Fail(error, "a <type> needs an id and numeric min/max (line " +
-                                std::to_string(mReader.lineNumber()) + ")");
+                Fail(error,
+                     "a <type> needs an id and numeric min/max (line " + std::to_string(mReader.lineNumber()) + ")");
                 return false;
             }
             while (mReader.readNextStartElement()) {
@@ -277,8 +284,11 @@ private:
             mMessage = "a <" + Utf8(mReader.name()) + "> without name";
             return nullptr;
         }
-        property->mNamespace = attributes.hasAttribute(QLatin1String("namespace")) ? Utf8(attributes.value(QLatin1String("namespace"))) : ns;
-        property->mPrefix = attributes.hasAttribute(QLatin1String("prefix")) ? Utf8(attributes.value(QLatin1String("prefix"))) : prefix;
+        property->mNamespace = attributes.hasAttribute(QLatin1String("namespace"))
+                                   ? Utf8(attributes.value(QLatin1String("namespace")))
+                                   : ns;
+        property->mPrefix =
+            attributes.hasAttribute(QLatin1String("prefix")) ? Utf8(attributes.value(QLatin1String("prefix"))) : prefix;
         property->mLabel = Utf8(attributes.value(QLatin1String("label")));
         if (property->mLabel.empty()) property->mLabel = property->mName;
         property->mDescription = Utf8(attributes.value(QLatin1String("description")));
@@ -293,7 +303,8 @@ private:
         if (attributes.hasAttribute(QLatin1String("type"))) {
             property->mPrimitiveType = PrimitiveTypeFromName(attributes.value(QLatin1String("type")));
             if (!property->mPrimitiveType) {
-                mMessage = "unknown type \"" + Utf8(attributes.value(QLatin1String("type"))) + "\" of " + property->mName;
+                mMessage =
+                    "unknown type \"" + Utf8(attributes.value(QLatin1String("type"))) + "\" of " + property->mName;
                 return nullptr;
             }
         }
@@ -331,9 +342,9 @@ private:
 
 int StandardRank(std::string const &prefix)
 {
-    static constexpr std::array<char const *, 13> kOrder{"dc",           "xmp",    "xmpRights", "xmpMM", "photoshop",
-                                                         "Iptc4xmpCore", "Iptc4xmpExt", "exif", "exifEX", "tiff",
-                                                         "aux",          "pdf",    "crs"};
+    static constexpr std::array<char const *, 13> kOrder{
+        "dc",   "xmp",    "xmpRights", "xmpMM", "photoshop", "Iptc4xmpCore", "Iptc4xmpExt",
+        "exif", "exifEX", "tiff",      "aux",   "pdf",       "crs"};
     for (std::size_t i = 0; i < kOrder.size(); ++i)
         if (prefix == kOrder[i]) return static_cast<int>(i);
     return static_cast<int>(kOrder.size());
@@ -355,7 +366,8 @@ void WriteProperty(QXmlStreamWriter &writer, PropertyDefinition const &property,
     if (property.mPrimitiveType)
         writer.writeAttribute(QStringLiteral("type"),
                               QString::fromStdString(PrimitiveTypeAsPrimitiveTypeId(*property.mPrimitiveType)));
-    if (!property.mTypeId.empty()) writer.writeAttribute(QStringLiteral("typeId"), QString::fromStdString(property.mTypeId));
+    if (!property.mTypeId.empty())
+        writer.writeAttribute(QStringLiteral("typeId"), QString::fromStdString(property.mTypeId));
     writer.writeAttribute(QStringLiteral("label"), QString::fromStdString(property.mLabel));
     if (!property.mDescription.empty())
         writer.writeAttribute(QStringLiteral("description"), QString::fromStdString(property.mDescription));
@@ -382,7 +394,8 @@ std::string XmlNameFrom(std::string const &text)
                         c == '-' || c == '.';
         if (ok) name += c;
     }
-    while (!name.empty() && !((name[0] >= 'a' && name[0] <= 'z') || (name[0] >= 'A' && name[0] <= 'Z') || name[0] == '_'))
+    while (!name.empty() &&
+           !((name[0] >= 'a' && name[0] <= 'z') || (name[0] >= 'A' && name[0] <= 'Z') || name[0] == '_'))
         name.erase(0, 1);
     if (name.empty()) name = "custom";
     return name;
@@ -449,15 +462,24 @@ std::vector<Choice> DefinitionChoices(PropertyDefinition const &definition)
 std::string PrimitiveTypeAsPrimitiveTypeId(PrimitiveType type)
 {
     switch (type) {
-    case kPrimitiveType_Integer: return "integer";
-    case kPrimitiveType_Real: return "real";
-    case kPrimitiveType_Text: return "text";
-    case kPrimitiveType_Boolean: return "boolean";
-    case kPrimitiveType_OpenChoice: return "openChoice";
-    case kPrimitiveType_ClosedChoice: return "closedChoice";
-    case kPrimitiveType_TextBag: return "bag";
-    case kPrimitiveType_TextSeq: return "seq";
-    case kPrimitiveType_LangAlt: return "langAlt";
+    case kPrimitiveType_Integer:
+        return "integer";
+    case kPrimitiveType_Real:
+        return "real";
+    case kPrimitiveType_Text:
+        return "text";
+    case kPrimitiveType_Boolean:
+        return "boolean";
+    case kPrimitiveType_OpenChoice:
+        return "openChoice";
+    case kPrimitiveType_ClosedChoice:
+        return "closedChoice";
+    case kPrimitiveType_TextBag:
+        return "bag";
+    case kPrimitiveType_TextSeq:
+        return "seq";
+    case kPrimitiveType_LangAlt:
+        return "langAlt";
     }
     return "text";
 }
@@ -530,7 +552,8 @@ bool LoadTypeDefinitions(std::string_view xml, std::string const &origin)
         AddErrorInfo("The type definitions could not be read: " + message + ".", origin);
         return false;
     }
-    for (auto &type : types) TheRegistry().mTypes[type->mId] = std::move(type);
+    for (auto &type : types)
+        TheRegistry().mTypes[type->mId] = std::move(type);
     return true;
 }
 
@@ -552,8 +575,8 @@ int LoadSchemaDefinitionsFromFolder(std::u16string const &folder, bool custom)
             AddErrorInfo("The definition file could not be read: " + error + ".", file.path.toStdString());
             continue;
         }
-        bool const isTypes = file.bytes.find("<types") != std::string::npos &&
-                             file.bytes.find("<schema") == std::string::npos;
+        bool const isTypes =
+            file.bytes.find("<types") != std::string::npos && file.bytes.find("<schema") == std::string::npos;
         if (isTypes)
             LoadTypeDefinitions(file.bytes, file.path.toStdString());
         else
@@ -595,9 +618,8 @@ std::shared_ptr<SchemaDefinition> CreateNewSchema(std::string const &identifier,
     schema->mNamespace = std::string(kCustomNamespaceBase) + id + "/";
     std::string const base = XmlNameFrom(name);
     std::string prefix = base;
-    for (int n = 2; SchemaDefinitionForPrefix(prefix) ||
-                    (!XMPMeta::NamespaceForPrefix(prefix).empty() &&
-                     XMPMeta::NamespaceForPrefix(prefix) != schema->mNamespace);
+    for (int n = 2; SchemaDefinitionForPrefix(prefix) || (!XMPMeta::NamespaceForPrefix(prefix).empty() &&
+                                                          XMPMeta::NamespaceForPrefix(prefix) != schema->mNamespace);
          ++n)
         prefix = base + std::to_string(n);
     schema->mPrefix = prefix;
@@ -672,7 +694,9 @@ std::shared_ptr<PropertyDefinition> CreateNewProperty(PrimitiveType type, std::s
         property->mForm = ValueForm::kLangAlt;
         property->mPrimitiveType = kPrimitiveType_Text;
         break;
-    default: property->mPrimitiveType = type; break;
+    default:
+        property->mPrimitiveType = type;
+        break;
     }
     return property;
 }

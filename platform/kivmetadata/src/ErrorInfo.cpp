@@ -38,7 +38,8 @@ void AddErrorInfo(std::string description, std::string context)
     std::lock_guard guard(ErrorsLock());
     auto &errors = Errors();
     errors.push_back(ErrorInfo{std::move(description), std::move(context)});
-    while (errors.size() > kMaxErrorInfos) errors.pop_front();
+    while (errors.size() > kMaxErrorInfos)
+        errors.pop_front();
 }
 
 void ClearErrorInfos()

@@ -43,11 +43,13 @@ bool Fail(std::string *error, std::string const &message, std::string const &con
 std::vector<Path> TopLevelProperties(XMPMeta const &meta)
 {
     std::vector<Path> result;
-    meta.Iterate([&](XMPMeta::Node const &node) {
-        if (!(node.mOptions & XMPMeta::kPropIsSchemaNode) && !node.mPath.empty())
-            result.push_back(Path{node.mNamespace, node.mPath});
-        return true;
-    }, {}, {}, true);
+    meta.Iterate(
+        [&](XMPMeta::Node const &node) {
+            if (!(node.mOptions & XMPMeta::kPropIsSchemaNode) && !node.mPath.empty())
+                result.push_back(Path{node.mNamespace, node.mPath});
+            return true;
+        },
+        {}, {}, true);
     return result;
 }
 
@@ -72,7 +74,8 @@ bool ParsePackets(std::string const &packet, std::string const &extended, XMPMet
                 error = "the extended XMP is malformed (" + error + ")";
                 return false;
             }
-            for (Path const &path : TopLevelProperties(more)) ReplaceProperty(more, meta, path.mNamespace, path.mPath);
+            for (Path const &path : TopLevelProperties(more))
+                ReplaceProperty(more, meta, path.mNamespace, path.mPath);
         }
     }
     meta.DeleteProperty(kXmpNoteNs, kHasExtendedXmp);
@@ -82,7 +85,8 @@ bool ParsePackets(std::string const &packet, std::string const &extended, XMPMet
 std::string Names(std::vector<Path> const &paths)
 {
     std::string names;
-    for (Path const &path : paths) names += (names.empty() ? "" : ", ") + path.mPath;
+    for (Path const &path : paths)
+        names += (names.empty() ? "" : ", ") + path.mPath;
     return names;
 }
 
@@ -122,8 +126,7 @@ std::u16string SidecarFor(QString const &path)
 
 // Moves the largest properties of `main` into `extended` until `main` fits
 // into one JPEG segment, as Extended XMP does.
-bool SplitForJpeg(PacketText &main, PacketText &extended, bool &hasExtended, XMPMeta const &source,
-                  std::string &error)
+bool SplitForJpeg(PacketText &main, PacketText &extended, bool &hasExtended, XMPMeta const &source, std::string &error)
 {
     auto sizeWithoutPadding = [&] { return main.Text().size() - main.PaddingSize(); };
     // Room for the GUID property that marks the split.
@@ -162,8 +165,8 @@ bool SplitForJpeg(PacketText &main, PacketText &extended, bool &hasExtended, XMP
 struct FileMetaDataProvider::Private {
     std::u16string mPath;
     std::string mPathUtf8;
-    QString mAbsolute;      // the path as given, made absolute (links kept)
-    std::u16string mSidecar; // set when the XMP lives in a sidecar file
+    QString mAbsolute;                // the path as given, made absolute (links kept)
+    std::u16string mSidecar;          // set when the XMP lives in a sidecar file
     StoredPacket mStored;             // as read at open, or as last saved
     PropertySnapshot mStoredSnapshot; // the stored packet's properties
     std::unique_ptr<XMPMeta> mMeta;   // what is shown and edited
@@ -212,8 +215,10 @@ std::shared_ptr<FileMetaDataProvider> FileMetaDataProvider::Open(std::u16string 
     d.mMeta = std::make_unique<XMPMeta>();
 
     bool const isSidecarFile = info.suffix().compare(QLatin1String("xmp"), Qt::CaseInsensitive) == 0;
-    if (isSidecarFile) d.mSidecar = d.mPath;
-    else if (options.mUseSidecar) d.mSidecar = SidecarFor(d.mAbsolute);
+    if (isSidecarFile)
+        d.mSidecar = d.mPath;
+    else if (options.mUseSidecar)
+        d.mSidecar = SidecarFor(d.mAbsolute);
 
     std::string message;
     if (!d.mSidecar.empty()) {
@@ -320,8 +325,7 @@ bool FileMetaDataProvider::Private::WriteContainer(StoredPacket const &now, Pack
 bool FileMetaDataProvider::Save(std::string *error)
 {
     d->mNotices.clear();
-    if (!d->mWritable)
-        return Fail(error, "The metadata was not saved: " + d->mReadOnlyReason + ".", d->mPathUtf8);
+    if (!d->mWritable) return Fail(error, "The metadata was not saved: " + d->mReadOnlyReason + ".", d->mPathUtf8);
     if (!d->mModified) return true;
     std::vector<Path> changed = Differences(d->mShownSnapshot, TakeSnapshot(*d->mMeta));
     if (changed.empty()) {
@@ -348,7 +352,8 @@ bool FileMetaDataProvider::Save(std::string *error)
         now.mStorage = Storage::kSidecar;
     } else {
         std::string why;
-        if (!ReadStoredPacket(target, !d->mSidecar.empty(), now, why)) return fail("the file can no longer be read (" + why + ")");
+        if (!ReadStoredPacket(target, !d->mSidecar.empty(), now, why))
+            return fail("the file can no longer be read (" + why + ")");
         if (now.mStorage != d->mStored.mStorage)
             return fail(now.mStorage == Storage::kReadOnly ? now.mReadOnlyReason
                                                            : "the file was replaced by one of another kind");
@@ -375,15 +380,18 @@ bool FileMetaDataProvider::Save(std::string *error)
     PropertySnapshot const shown = TakeSnapshot(*d->mMeta);
     for (Path const &path : changed) {
         auto const edited = shown.find(path);
-        if (edited != shown.end()) expected[path] = edited->second;
-        else expected.erase(path);
+        if (edited != shown.end())
+            expected[path] = edited->second;
+        else
+            expected.erase(path);
     }
 
     PacketText main, extended;
     bool hasExtended = false;
     std::string why;
     if (now.mFound) {
-        if (!main.Load(now.mPacket, why)) return fail("its XMP packet cannot be edited without rewriting it (" + why + ")");
+        if (!main.Load(now.mPacket, why))
+            return fail("its XMP packet cannot be edited without rewriting it (" + why + ")");
         std::string guid;
         XMPMeta standard;
         if (!now.mExtended.empty() && standard.ParseFromBuffer(now.mPacket) &&
@@ -407,7 +415,8 @@ bool FileMetaDataProvider::Save(std::string *error)
     } else {
         // No packet yet: a new one holds just the edited properties.
         XMPMeta fresh;
-        for (Path const &path : changed) ReplaceProperty(*d->mMeta, fresh, path.mNamespace, path.mPath);
+        for (Path const &path : changed)
+            ReplaceProperty(*d->mMeta, fresh, path.mNamespace, path.mPath);
         std::string serialized;
         if (!fresh.Serialize(serialized, 0, now.mStorage == Storage::kSidecar ? 0 : std::uint32_t(kNewPadding), &why) ||
             !main.Load(serialized, why))
@@ -419,7 +428,8 @@ bool FileMetaDataProvider::Save(std::string *error)
     std::string written;
     switch (now.mStorage) {
     case Storage::kSidecar:
-        if (!CheckPackets(main.Text(), {}, expected, why)) return fail("the edit could not be made exactly (" + why + ")");
+        if (!CheckPackets(main.Text(), {}, expected, why))
+            return fail("the edit could not be made exactly (" + why + ")");
         written = main.Text();
         request.mBytes = &written;
         request.mCheck = [&written](QString const &path, std::string &problem) {
@@ -435,7 +445,8 @@ bool FileMetaDataProvider::Save(std::string *error)
         if (!main.FitTo(now.mPacket.size()))
             return fail("the edit needs more room than the file's XMP packet has, and kivmeta can grow packets only "
                         "in JPEG, PNG and TIFF files; the metadata can be kept in a sidecar file instead");
-        if (!CheckPackets(main.Text(), {}, expected, why)) return fail("the edit could not be made exactly (" + why + ")");
+        if (!CheckPackets(main.Text(), {}, expected, why))
+            return fail("the edit could not be made exactly (" + why + ")");
         written = main.Text();
         request.mBytes = &written;
         request.mCopyFrom = target;
@@ -470,7 +481,8 @@ bool FileMetaDataProvider::Save(std::string *error)
         };
         break;
     }
-    case Storage::kReadOnly: return fail(now.mReadOnlyReason);
+    case Storage::kReadOnly:
+        return fail(now.mReadOnlyReason);
     }
     if (!ReplaceFileChecked(request, why)) return fail(why);
 

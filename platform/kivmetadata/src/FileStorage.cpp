@@ -43,8 +43,10 @@ std::string FormatName(XmpFileType format)
 {
     std::uint32_t const code = format;
     std::string name;
-    for (int shift = 24; shift >= 0; shift -= 8) name += char((code >> shift) & 0xff);
-    while (!name.empty() && name.back() == ' ') name.pop_back();
+    for (int shift = 24; shift >= 0; shift -= 8)
+        name += char((code >> shift) & 0xff);
+    while (!name.empty() && name.back() == ' ')
+        name.pop_back();
     return name;
 }
 
@@ -65,8 +67,10 @@ bool RewritableInPlace(XmpFileType format)
     case XMP_FT_FLV:
     case XMP_FT_EPS:
     case XMP_FT_PS:
-    case XMP_FT_WEBP: return true;
-    default: return false;
+    case XMP_FT_WEBP:
+        return true;
+    default:
+        return false;
     }
 }
 
@@ -82,8 +86,7 @@ bool BytesAt(QString const &path, std::int64_t offset, std::string const &expect
 void ReadByScanning(std::string const &native, StoredPacket &packet)
 {
     packet.mStorage = Storage::kReadOnly;
-    XmpFile scanned(
-        xmp_files_open_new(native.c_str(), XmpOpenFileOptions(XMP_OPEN_READ | XMP_OPEN_USEPACKETSCANNING)));
+    XmpFile scanned(xmp_files_open_new(native.c_str(), XmpOpenFileOptions(XMP_OPEN_READ | XMP_OPEN_USEPACKETSCANNING)));
     XmpString text;
     XmpPacketInfo info{};
     if (scanned && xmp_files_get_xmp_xmpstring(scanned.get(), text, &info) && xmp_string_len(text) > 0) {
@@ -128,8 +131,8 @@ void ReadWithToolkit(QString const &path, StoredPacket &packet)
 {
     if (RefusedBeforeToolkit(path, packet)) return;
     std::string const native = Utf8(path);
-    XmpFile file(xmp_files_open_new(native.c_str(), XmpOpenFileOptions(XMP_OPEN_READ | XMP_OPEN_ONLYXMP |
-                                                                        XMP_OPEN_USESMARTHANDLER)));
+    XmpFile file(xmp_files_open_new(native.c_str(),
+                                    XmpOpenFileOptions(XMP_OPEN_READ | XMP_OPEN_ONLYXMP | XMP_OPEN_USESMARTHANDLER)));
     if (!file) {
         ReadByScanning(native, packet);
         return;
@@ -159,8 +162,8 @@ void ReadWithToolkit(QString const &path, StoredPacket &packet)
             packet.mStorage = Storage::kToolkitPacket;
         } else {
             packet.mStorage = Storage::kReadOnly;
-            packet.mReadOnlyReason = "kivmeta cannot write the metadata of " + packet.mFormatName +
-                                     " files without risk";
+            packet.mReadOnlyReason =
+                "kivmeta cannot write the metadata of " + packet.mFormatName + " files without risk";
         }
         return;
     }
@@ -210,8 +213,7 @@ bool ReadStoredPacket(QString const &path, bool isSidecar, StoredPacket &packet,
     if (!ReadXmpContainer(packet.mFileBytes, kind, found, why)) {
         packet.mStorage = Storage::kReadOnly;
         packet.mDamaged = true;
-        packet.mReadOnlyReason = "the file's " + packet.mFormatName + " structure is damaged (" + why +
-                                 ")";
+        packet.mReadOnlyReason = "the file's " + packet.mFormatName + " structure is damaged (" + why + ")";
         return true;
     }
     packet.mStorage = Storage::kContainer;
@@ -339,8 +341,7 @@ bool ReplaceFileChecked(ReplaceRequest const &request, std::string &error)
         if (::fchown(temp.handle(), original.st_uid, original.st_gid) != 0) {
         }
     }
-    if (::rename(QFile::encodeName(temp.fileName()).constData(), QFile::encodeName(request.mTarget).constData()) !=
-        0) {
+    if (::rename(QFile::encodeName(temp.fileName()).constData(), QFile::encodeName(request.mTarget).constData()) != 0) {
         error = std::string("the file could not be replaced (") + std::strerror(errno) + ")";
         return false;
     }

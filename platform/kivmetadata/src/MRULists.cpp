@@ -103,7 +103,8 @@ void Save()
     for (auto const &[key, entries] : Lists()) {
         writer.writeStartElement(QStringLiteral("list"));
         writer.writeAttribute(QStringLiteral("key"), QString::fromStdString(key));
-        for (auto const &entry : entries) writer.writeTextElement(QStringLiteral("entry"), ToQString(entry));
+        for (auto const &entry : entries)
+            writer.writeTextElement(QStringLiteral("entry"), ToQString(entry));
         writer.writeEndElement();
     }
     writer.writeEndElement();

@@ -121,13 +121,16 @@ std::shared_ptr<PropertyDefinition> DefinitionFromPacket(XMPMeta const &meta, st
         structPath = path;
     }
     if (!structPath.empty()) {
-        meta.Iterate([&](XMPMeta::Node const &node) {
-            if (node.mPath.size() <= structPath.size() + 1 || (node.mOptions & XMPMeta::kPropIsQualifier)) return true;
-            std::string const rest = node.mPath.substr(structPath.size() + 1);
-            if (rest.find_first_of("/[") != std::string::npos) return true;
-            definition->mFields.push_back(DefinitionFromPacket(meta, ns, node.mPath, schemaNs));
-            return true;
-        }, ns, structPath);
+        meta.Iterate(
+            [&](XMPMeta::Node const &node) {
+                if (node.mPath.size() <= structPath.size() + 1 || (node.mOptions & XMPMeta::kPropIsQualifier))
+                    return true;
+                std::string const rest = node.mPath.substr(structPath.size() + 1);
+                if (rest.find_first_of("/[") != std::string::npos) return true;
+                definition->mFields.push_back(DefinitionFromPacket(meta, ns, node.mPath, schemaNs));
+                return true;
+            },
+            ns, structPath);
     } else {
         definition->mPrimitiveType = kPrimitiveType_Text;
     }

@@ -49,7 +49,8 @@ void MultiMetaDataProvider::OnMetadataChanged(std::set<Path> const &changes)
 {
     for (auto const &asset : mAssets) {
         MetaDataUpdateAccess access(asset);
-        for (auto const &path : changes) access.AddChange(path);
+        for (auto const &path : changes)
+            access.AddChange(path);
     }
 }
 
@@ -128,10 +129,11 @@ std::vector<std::shared_ptr<SchemaDefinition>> MultiMetaDataProvider::DynamicSch
     return result;
 }
 
-void MultiMetaDataProvider::GetAllPathsForDynamicSchema(std::string const &ns,
-                                                        std::vector<std::shared_ptr<PropertyDefinition>> &properties) const
+void MultiMetaDataProvider::GetAllPathsForDynamicSchema(
+    std::string const &ns, std::vector<std::shared_ptr<PropertyDefinition>> &properties) const
 {
-    for (auto const &asset : mAssets) asset->GetAllPathsForDynamicSchema(ns, properties);
+    for (auto const &asset : mAssets)
+        asset->GetAllPathsForDynamicSchema(ns, properties);
 }
 
 } // namespace kivmetadata

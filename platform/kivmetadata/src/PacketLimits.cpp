@@ -82,7 +82,7 @@ bool EndsName(char c)
 // only has to see the structure of well-formed text exactly, and it is an
 // order of magnitude faster than a full XML reader.
 class Scanner {
-  public:
+public:
     Scanner(std::string_view text, XmlKind kind, XmlMeasures &measures)
         : mText(text), mRdfMode(kind == XmlKind::kXmpPacket), mSubject(Subject(kind)), m(measures)
     {
@@ -130,7 +130,7 @@ class Scanner {
         return Verdict();
     }
 
-  private:
+private:
     std::size_t Skip(std::size_t from, std::string_view terminator) const
     {
         std::size_t const at = mText.find(terminator, from);

@@ -60,7 +60,7 @@ bool IsPlainText(std::string_view s)
 
 struct Attribute {
     std::string mQName;
-    std::string mValue;       // as written, entities not expanded
+    std::string mValue;      // as written, entities not expanded
     std::size_t mSpaceBegin; // the whitespace before the name
     std::size_t mEnd;        // past the closing quote
 };
@@ -85,12 +85,14 @@ bool ReadTag(std::string const &text, std::size_t pos, Tag &tag)
         ++i;
     }
     std::size_t const nameBegin = i;
-    while (i < n && !IsSpace(text[i]) && text[i] != '>' && text[i] != '/') ++i;
+    while (i < n && !IsSpace(text[i]) && text[i] != '>' && text[i] != '/')
+        ++i;
     if (i == nameBegin || i >= n) return false;
     tag.mQName = text.substr(nameBegin, i - nameBegin);
     while (true) {
         std::size_t const spaceBegin = i;
-        while (i < n && IsSpace(text[i])) ++i;
+        while (i < n && IsSpace(text[i]))
+            ++i;
         if (i >= n) return false;
         if (text[i] == '>') {
             tag.mEnd = i + 1;
@@ -104,17 +106,21 @@ bool ReadTag(std::string const &text, std::size_t pos, Tag &tag)
         }
         if (tag.mKind == Tag::kEnd || i == spaceBegin) return false;
         std::size_t const attrBegin = i;
-        while (i < n && !IsSpace(text[i]) && text[i] != '=') ++i;
+        while (i < n && !IsSpace(text[i]) && text[i] != '=')
+            ++i;
         Attribute attribute;
         attribute.mQName = text.substr(attrBegin, i - attrBegin);
-        while (i < n && IsSpace(text[i])) ++i;
+        while (i < n && IsSpace(text[i]))
+            ++i;
         if (i >= n || text[i] != '=') return false;
         ++i;
-        while (i < n && IsSpace(text[i])) ++i;
+        while (i < n && IsSpace(text[i]))
+            ++i;
         if (i >= n || (text[i] != '"' && text[i] != '\'')) return false;
         char const quote = text[i++];
         std::size_t const valueBegin = i;
-        while (i < n && text[i] != quote) ++i;
+        while (i < n && text[i] != quote)
+            ++i;
         if (i >= n) return false;
         attribute.mValue = text.substr(valueBegin, i - valueBegin);
         attribute.mSpaceBegin = spaceBegin;
@@ -166,7 +172,8 @@ public:
     {
         std::map<std::string, std::string> all;
         for (auto const &frame : mFrames)
-            for (auto const &[p, uri] : frame) all[p] = uri;
+            for (auto const &[p, uri] : frame)
+                all[p] = uri;
         return {all.begin(), all.end()};
     }
 
@@ -190,9 +197,9 @@ bool PacketText::Scan(std::string &error)
     std::string const &text = mText;
     std::size_t const n = text.size();
     Scopes scopes;
-    std::size_t rdfDepth = 0;           // depth of rdf:RDF once open (depth counts it)
-    std::vector<bool> metaElements;     // per open element: is it x:xmpmeta (or x:xapmeta)
-    std::size_t elementBegin = 0;       // of the property element being read
+    std::size_t rdfDepth = 0;       // depth of rdf:RDF once open (depth counts it)
+    std::vector<bool> metaElements; // per open element: is it x:xmpmeta (or x:xapmeta)
+    std::size_t elementBegin = 0;   // of the property element being read
     std::size_t rootEnd = std::string::npos;
     std::size_t trailer = std::string::npos;
     bool rdfSeen = false;
@@ -240,7 +247,8 @@ bool PacketText::Scan(std::string &error)
         std::size_t const depth = scopes.Depth();
         std::string const uri = scopes.Resolve(PrefixOf(tag.mQName));
         bool const inMeta = !metaElements.empty() && metaElements.back();
-        metaElements.push_back(uri == kMetaNs && (LocalOf(tag.mQName) == "xmpmeta" || LocalOf(tag.mQName) == "xapmeta"));
+        metaElements.push_back(uri == kMetaNs &&
+                               (LocalOf(tag.mQName) == "xmpmeta" || LocalOf(tag.mQName) == "xapmeta"));
         if (!rdfDepth && uri == kRdfNs && LocalOf(tag.mQName) == "RDF") {
             if (rdfSeen) return error = "the packet has two rdf:RDF elements", false;
             // The toolkit reads an rdf:RDF only right inside x:xmpmeta; edits
@@ -278,8 +286,8 @@ bool PacketText::Scan(std::string &error)
             if (!IsPlainText(uri) || !IsPlainText(tag.mQName))
                 return error = "a property's name or namespace is not plain UTF-8 text", false;
             elementBegin = tag.mBegin;
-            mOccurrences.push_back({uri, std::string(LocalOf(tag.mQName)), elementBegin, tag.mEnd, false,
-                                    int(mDescriptions.size()) - 1});
+            mOccurrences.push_back(
+                {uri, std::string(LocalOf(tag.mQName)), elementBegin, tag.mEnd, false, int(mDescriptions.size()) - 1});
         }
         if (tag.mKind == Tag::kEmpty) {
             scopes.Pop();
@@ -312,7 +320,8 @@ bool PacketText::Contains(std::string const &ns, std::string const &localName) c
 std::string PacketText::Indentation(std::size_t position) const
 {
     std::size_t begin = position;
-    while (begin > 0 && (mText[begin - 1] == ' ' || mText[begin - 1] == '\t')) --begin;
+    while (begin > 0 && (mText[begin - 1] == ' ' || mText[begin - 1] == '\t'))
+        --begin;
     if (begin > 0 && mText[begin - 1] != '\n' && mText[begin - 1] != '\r') return {};
     return mText.substr(begin, position - begin);
 }
@@ -391,7 +400,8 @@ bool PacketText::Replace(std::string const &ns, std::string const &localName, st
                         " </rdf:Description>\n" + indent;
             insertAt = mRdfEndTagBegin;
             std::size_t back = insertAt;
-            while (back > 0 && IsSpace(mText[back - 1])) --back;
+            while (back > 0 && IsSpace(mText[back - 1]))
+                --back;
             cuts.push_back({back, insertAt});
             insertAt = back;
         } else {
@@ -408,7 +418,8 @@ bool PacketText::Replace(std::string const &ns, std::string const &localName, st
                 insertion = ">\n" + indent + " " + body + "\n" + indent + "</" + description.mQName + ">";
             } else {
                 std::size_t back = description.mEndTagBegin;
-                while (back > description.mStartTagEnd && IsSpace(mText[back - 1])) --back;
+                while (back > description.mStartTagEnd && IsSpace(mText[back - 1]))
+                    --back;
                 std::string const indent = Indentation(description.mEndTagBegin);
                 insertAt = back;
                 insertion = "\n" + indent + " " + body;
@@ -459,7 +470,8 @@ bool PacketText::FitTo(std::size_t length)
     std::size_t const missing = length - size;
     std::string pad;
     pad.reserve(missing);
-    for (std::size_t i = 0; i < missing; ++i) pad += (i % 100 == 99 || i + 1 == missing) ? '\n' : ' ';
+    for (std::size_t i = 0; i < missing; ++i)
+        pad += (i % 100 == 99 || i + 1 == missing) ? '\n' : ' ';
     mText.insert(mPaddingEnd, pad);
     mPaddingEnd += missing;
     return true;
@@ -477,9 +489,8 @@ bool PropertyElement(XMPMeta const &meta, std::string const &ns, std::string con
     if (!text.Load(serialized, error)) return false;
     std::string const local = path.substr(path.find(':') + 1);
     auto const &occurrences = text.Properties();
-    auto const found = std::find_if(occurrences.begin(), occurrences.end(), [&](auto const &o) {
-        return o.mNamespace == ns && o.mLocalName == local;
-    });
+    auto const found = std::find_if(occurrences.begin(), occurrences.end(),
+                                    [&](auto const &o) { return o.mNamespace == ns && o.mLocalName == local; });
     if (found == occurrences.end()) return error = "the toolkit did not serialise the property", false;
 
     // Every binding in force where the toolkit wrote it goes on the element.
@@ -510,7 +521,8 @@ bool PropertyElement(XMPMeta const &meta, std::string const &ns, std::string con
         std::size_t const equals = attribute.find('=');
         std::size_t const quote = attribute.find_first_of("\"'", equals);
         std::string name = attribute.substr(nameBegin, equals - nameBegin);
-        while (!name.empty() && IsSpace(name.back())) name.pop_back();
+        while (!name.empty() && IsSpace(name.back()))
+            name.pop_back();
         std::string const value = attribute.substr(quote + 1, attribute.size() - quote - 2);
         element = "<" + name + declarations + ">" + value + "</" + name + ">";
         return true;
@@ -519,7 +531,8 @@ bool PropertyElement(XMPMeta const &meta, std::string const &ns, std::string con
     // Re-indent continuation lines relative to the element's own indent.
     std::size_t const indent = [&] {
         std::size_t begin = found->mBegin;
-        while (begin > 0 && serialized[begin - 1] == ' ') --begin;
+        while (begin > 0 && serialized[begin - 1] == ' ')
+            --begin;
         return found->mBegin - begin;
     }();
     std::string dedented;
@@ -528,7 +541,8 @@ bool PropertyElement(XMPMeta const &meta, std::string const &ns, std::string con
         dedented += body[i];
         if (body[i] == '\n') {
             std::size_t skip = 0;
-            while (skip < indent && i + 1 + skip < body.size() && body[i + 1 + skip] == ' ') ++skip;
+            while (skip < indent && i + 1 + skip < body.size() && body[i + 1 + skip] == ' ')
+                ++skip;
             i += skip;
         }
     }

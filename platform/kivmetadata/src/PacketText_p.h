@@ -42,8 +42,7 @@ public:
     // puts that element (a standalone property element, see PropertyElement)
     // where the property stood, or into the description that holds the
     // namespace's other properties, or the last one.
-    bool Replace(std::string const &ns, std::string const &localName, std::string const *element,
-                 std::string &error);
+    bool Replace(std::string const &ns, std::string const &localName, std::string const *element, std::string &error);
 
     // Bytes of whitespace padding after the packet's root element.
     std::size_t PaddingSize() const { return mPaddingEnd - mPaddingBegin; }

@@ -32,9 +32,12 @@ namespace {
 char16_t const *VersionFolder(GXVersion version)
 {
     switch (version) {
-    case kGXVersion_GX6: return u"GX6";
-    case kGXVersion_GX5: return u"GX5";
-    case kGXVersion_GX4: return u"GX4";
+    case kGXVersion_GX6:
+        return u"GX6";
+    case kGXVersion_GX5:
+        return u"GX5";
+    case kGXVersion_GX4:
+        return u"GX4";
     }
     return u"GX4";
 }
@@ -83,7 +86,8 @@ bool ReadXmlPanel(std::string const &bytes, GXVersion version, OldPanel &panel, 
     std::map<std::string, std::string> prefixes;
     while (reader.readNextStartElement()) {
         if (reader.name() == u"namespace") {
-            prefixes[Utf8(reader.attributes().value(QLatin1String("prefix")))] = Utf8(reader.attributes().value(QLatin1String("uri")));
+            prefixes[Utf8(reader.attributes().value(QLatin1String("prefix")))] =
+                Utf8(reader.attributes().value(QLatin1String("uri")));
             reader.skipCurrentElement();
         } else if (reader.name() == u"group") {
             OldGroup group;
@@ -206,8 +210,8 @@ std::shared_ptr<ViewDefinition> Convert(OldPanel const &panel, std::u16string &r
                 path = PathForSchemaNameAndPropertyName(field.mNamespace, field.mName);
             } else if (!field.mQualified.empty()) {
                 auto const colon = field.mQualified.find(':');
-                auto schema = colon == std::string::npos ? nullptr
-                                                         : SchemaDefinitionForPrefix(field.mQualified.substr(0, colon));
+                auto schema =
+                    colon == std::string::npos ? nullptr : SchemaDefinitionForPrefix(field.mQualified.substr(0, colon));
                 if (schema) path = PathForSchemaNameAndPropertyName(schema->mNamespace, field.mName);
             }
             auto definition = path.mNamespace.empty() ? nullptr : PathEntryDefinition(path);
@@ -235,7 +239,8 @@ std::shared_ptr<ViewDefinition> Convert(OldPanel const &panel, std::u16string &r
                 item->mAttributes["rating"] = "true";
                 item->mAttributes["size"] = "16";
             }
-            if (field.mWidget == "multiline") item->mAttributes["multiLines"] = field.mLines.empty() ? "3" : field.mLines;
+            if (field.mWidget == "multiline")
+                item->mAttributes["multiLines"] = field.mLines.empty() ? "3" : field.mLines;
             if (field.mReadOnly || field.mWidget == "static") item->mAttributes["readOnly"] = "true";
             if (item->HasAttribute("dropdown") && item->mChoices.empty() && definition->mChoices.empty()) {
                 item->mAttributes.erase("dropdown");
@@ -262,9 +267,9 @@ bool LoadAndConvertGenericPanels(GXVersion version, std::u16string &report)
     std::u16string const folder = GenericPanelsDirectory(version);
     std::u16string const versionName = VersionFolder(version);
     QDir const dir(ToQString(folder));
-    QStringList const files =
-        dir.entryList(version == kGXVersion_GX4 ? QStringList{QStringLiteral("*.txt")} : QStringList{QStringLiteral("*.xml")},
-                      QDir::Files, QDir::Name);
+    QStringList const files = dir.entryList(version == kGXVersion_GX4 ? QStringList{QStringLiteral("*.txt")}
+                                                                      : QStringList{QStringLiteral("*.xml")},
+                                            QDir::Files, QDir::Name);
     if (!dir.exists() || files.isEmpty()) {
         report = u"No " + versionName + u" Generic Panels found in " + folder + u".\n";
         return true;
@@ -278,7 +283,8 @@ bool LoadAndConvertGenericPanels(GXVersion version, std::u16string &report)
         OldPanel panel;
         bool ok = ReadWholeFile(dir.filePath(name), bytes, &error);
         if (ok)
-            ok = version == kGXVersion_GX4 ? ReadTextPanel(bytes, panel, error) : ReadXmlPanel(bytes, version, panel, error);
+            ok = version == kGXVersion_GX4 ? ReadTextPanel(bytes, panel, error)
+                                           : ReadXmlPanel(bytes, version, panel, error);
         if (ok && panel.mName.empty()) {
             ok = false;
             error = "the panel has no name";
@@ -298,8 +304,8 @@ bool LoadAndConvertGenericPanels(GXVersion version, std::u16string &report)
         view->mFilePath = target;
         if (!kivcore::utility::FileUtils::SimpleWriteStringToFile(target, ViewDefinitionAsXMLString(*view), &error)) {
             ++failed;
-            report += u"FAILED " + file + u": the panel cannot be written to " + target + u" (" + Utf8ToUtf16(error) +
-                      u")\n";
+            report +=
+                u"FAILED " + file + u": the panel cannot be written to " + target + u" (" + Utf8ToUtf16(error) + u")\n";
             AddErrorInfo("The converted panel could not be written: " + error + ".",
                          kivcore::utility::Utf16ToUtf8(target));
             continue;

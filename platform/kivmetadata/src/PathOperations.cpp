@@ -131,12 +131,15 @@ std::shared_ptr<PropertyDefinition> PathEntryDefinition(Path const &path)
         switch (step.mKind) {
         case PathStep::kIndex:
         case PathStep::kLast:
-        case PathStep::kLangSelector: definition = definition->ItemDefinition(); break;
+        case PathStep::kLangSelector:
+            definition = definition->ItemDefinition();
+            break;
         case PathStep::kName:
             if (definition->mForm != ValueForm::kStruct) return nullptr;
             definition = definition->FieldDefinition(XMPMeta::NamespaceForPrefix(step.mPrefix), step.mName);
             break;
-        default: return nullptr;
+        default:
+            return nullptr;
         }
     }
     return definition;
@@ -163,8 +166,10 @@ std::optional<PrimitiveType> PrimitiveTypeOfPath(Path const &path)
     auto definition = PathEntryDefinition(path);
     if (!definition) return std::nullopt;
     switch (definition->mForm) {
-    case ValueForm::kStruct: return std::nullopt;
-    case ValueForm::kLangAlt: return kPrimitiveType_LangAlt;
+    case ValueForm::kStruct:
+        return std::nullopt;
+    case ValueForm::kLangAlt:
+        return kPrimitiveType_LangAlt;
     case ValueForm::kBag:
         if (definition->mItemForm == ValueForm::kStruct) return std::nullopt;
         return kPrimitiveType_TextBag;
@@ -172,7 +177,8 @@ std::optional<PrimitiveType> PrimitiveTypeOfPath(Path const &path)
     case ValueForm::kAlt:
         if (definition->mItemForm == ValueForm::kStruct) return std::nullopt;
         return kPrimitiveType_TextSeq;
-    case ValueForm::kSimple: break;
+    case ValueForm::kSimple:
+        break;
     }
     return definition->mPrimitiveType ? *definition->mPrimitiveType : kPrimitiveType_Text;
 }
@@ -184,7 +190,8 @@ void VisitDescendantLeafPaths(Path const &path, std::function<void(Path const &)
         visit(path);
         return;
     }
-    for (auto const &child : children) VisitDescendantLeafPaths(child, visit);
+    for (auto const &child : children)
+        VisitDescendantLeafPaths(child, visit);
 }
 
 void VisitDescendantLeafPaths(SchemaDefinition const &schema, std::function<void(Path const &)> const &visit)

@@ -43,7 +43,8 @@ bool SaveTemplate(std::u16string const &name, XMPMeta const &meta, std::string *
     std::string message;
     if (kivcore::utility::Trim(name).empty()) message = "the template has no name";
     std::string packet;
-    if (message.empty() && !meta.Serialize(packet, 0, 0, &message)) message = "the metadata cannot be serialised: " + message;
+    if (message.empty() && !meta.Serialize(packet, 0, 0, &message))
+        message = "the metadata cannot be serialised: " + message;
     if (message.empty() && !FileUtils::SimpleWriteStringToFile(TemplateFile(name), packet, &message)) {
         if (message.empty()) message = "the file cannot be written";
     }
@@ -60,7 +61,8 @@ std::vector<std::u16string> GetTemplateNames()
     std::vector<std::u16string> names;
     std::u16string const suffix = kSuffix;
     for (auto const &file : FileUtils::ContainedFiles(TemplateDirectory()))
-        if (file.size() > suffix.size() && file.ends_with(suffix)) names.push_back(file.substr(0, file.size() - suffix.size()));
+        if (file.size() > suffix.size() && file.ends_with(suffix))
+            names.push_back(file.substr(0, file.size() - suffix.size()));
     return names;
 }
 
@@ -105,14 +107,14 @@ bool ApplyTemplate(XMPMeta &source, XMPMeta const &templ, TemplateImportOptions 
     return false;
 }
 
-bool ApplyTemplate(std::shared_ptr<MetaDataProvider> const &source, XMPMeta const &templ,
-                   TemplateImportOptions options)
+bool ApplyTemplate(std::shared_ptr<MetaDataProvider> const &source, XMPMeta const &templ, TemplateImportOptions options)
 {
     if (!source) return false;
     MetaDataUpdateAccess access(source);
     bool ok = true;
     auto const metas = source->AllMetas();
-    for (XMPMeta *meta : metas) ok = ApplyTemplate(*meta, templ, options) && ok;
+    for (XMPMeta *meta : metas)
+        ok = ApplyTemplate(*meta, templ, options) && ok;
     if (!metas.empty()) access.AddChange(Path{});
     return ok && !metas.empty();
 }

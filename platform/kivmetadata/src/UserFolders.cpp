@@ -38,7 +38,8 @@ std::u16string UserDataDirectory()
 void SetUserDataDirectory(std::u16string const &folder)
 {
     OverrideFolder() = folder;
-    while (OverrideFolder().size() > 1 && OverrideFolder().back() == u'/') OverrideFolder().pop_back();
+    while (OverrideFolder().size() > 1 && OverrideFolder().back() == u'/')
+        OverrideFolder().pop_back();
 }
 
 std::u16string UserSubdirectory(std::u16string const &name)

@@ -57,7 +57,8 @@ bool ParseReal(std::string const &text, double &out)
 bool ParseBool(std::string const &text, bool &out)
 {
     std::string lower = kivcore::utility::Trim(text);
-    for (char &c : lower) c = static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
+    for (char &c : lower)
+        c = static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
     if (lower == "true" || lower == "1") {
         out = true;
         return true;
@@ -93,11 +94,11 @@ bool Validate(Value const &value, std::string &text)
     if (text.empty()) return true; // an empty text clears the value
     auto const typeDefinition = TypeIdDefinition(definition->mTypeId);
     std::optional<double> const minimum = definition->mMinimum ? definition->mMinimum
-                                          : typeDefinition       ? typeDefinition->mMinimum
-                                                                 : std::nullopt;
+                                          : typeDefinition     ? typeDefinition->mMinimum
+                                                               : std::nullopt;
     std::optional<double> const maximum = definition->mMaximum ? definition->mMaximum
-                                          : typeDefinition       ? typeDefinition->mMaximum
-                                                                 : std::nullopt;
+                                          : typeDefinition     ? typeDefinition->mMaximum
+                                                               : std::nullopt;
     auto checkRange = [&](double number) {
         if (minimum && number < *minimum)
             return Refuse(value, "\"" + text + "\" is below the minimum " + MinimalFloatText(*minimum));
@@ -123,14 +124,15 @@ bool Validate(Value const &value, std::string &text)
         return true;
     }
     case kPrimitiveType_ClosedChoice: {
-        auto const &choices = !definition->mChoices.empty() || !typeDefinition ? definition->mChoices
-                                                                                : typeDefinition->mChoices;
+        auto const &choices =
+            !definition->mChoices.empty() || !typeDefinition ? definition->mChoices : typeDefinition->mChoices;
         if (choices.empty()) return true;
         for (auto const &choice : choices)
             if (choice.mRawValue == text) return true;
         return Refuse(value, "\"" + text + "\" is not one of the allowed values");
     }
-    default: break;
+    default:
+        break;
     }
     if (definition->mTypeId == "date" && *type == kPrimitiveType_Text) {
         XMP_DateTime date;

@@ -99,11 +99,14 @@ namespace {
 std::uint32_t ArrayOptions(ValueForm form)
 {
     switch (form) {
-    case ValueForm::kBag: return XMPMeta::kPropValueIsArray;
-    case ValueForm::kSeq: return XMPMeta::kPropValueIsArray | XMPMeta::kPropArrayIsOrdered;
+    case ValueForm::kBag:
+        return XMPMeta::kPropValueIsArray;
+    case ValueForm::kSeq:
+        return XMPMeta::kPropValueIsArray | XMPMeta::kPropArrayIsOrdered;
     case ValueForm::kAlt:
         return XMPMeta::kPropValueIsArray | XMPMeta::kPropArrayIsOrdered | XMPMeta::kPropArrayIsAlternate;
-    default: return 0;
+    default:
+        return 0;
     }
 }
 
@@ -134,7 +137,8 @@ bool WriteText(XMPMeta *meta, Path const &path, std::string const &text)
     bool structured = false;
     if (definition) {
         form = definition->mForm;
-        structured = form == ValueForm::kStruct || (definition->IsArray() && definition->mItemForm == ValueForm::kStruct);
+        structured =
+            form == ValueForm::kStruct || (definition->IsArray() && definition->mItemForm == ValueForm::kStruct);
     } else if (exists) {
         if (currentOptions & XMPMeta::kPropValueIsStruct)
             structured = true;
@@ -154,7 +158,8 @@ bool WriteText(XMPMeta *meta, Path const &path, std::string const &text)
         std::string old;
         if (exists && meta->GetLocalizedText(path.mNamespace, path.mPath, "x-default", old) && old == text)
             return false;
-        if (exists && !(currentOptions & XMPMeta::kPropArrayIsAltText)) meta->DeleteProperty(path.mNamespace, path.mPath);
+        if (exists && !(currentOptions & XMPMeta::kPropArrayIsAltText))
+            meta->DeleteProperty(path.mNamespace, path.mPath);
         if (!meta->SetLocalizedText(path.mNamespace, path.mPath, "x-default", text, &error)) return Refuse(path, error);
         return true;
     }
@@ -174,7 +179,8 @@ bool WriteText(XMPMeta *meta, Path const &path, std::string const &text)
         }
         if (exists) meta->DeleteProperty(path.mNamespace, path.mPath);
         if (!meta->SetComposite(path.mNamespace, path.mPath, arrayOptions, &error)) return Refuse(path, error);
-        for (auto const &item : items) meta->AppendArrayItem(path.mNamespace, path.mPath, arrayOptions, item, 0);
+        for (auto const &item : items)
+            meta->AppendArrayItem(path.mNamespace, path.mPath, arrayOptions, item, 0);
         return true;
     }
     if (exists && !(currentOptions & XMPMeta::kPropCompositeMask) && current == text) return false;

@@ -69,8 +69,10 @@ int PanelRank(std::string const &name)
 {
     std::string key;
     for (char c : name)
-        if ((c >= 'a' && c <= 'z') || (c >= '0' && c <= '9')) key += c;
-        else if (c >= 'A' && c <= 'Z') key += static_cast<char>(c - 'A' + 'a');
+        if ((c >= 'a' && c <= 'z') || (c >= '0' && c <= '9'))
+            key += c;
+        else if (c >= 'A' && c <= 'Z')
+            key += static_cast<char>(c - 'A' + 'a');
     static constexpr std::array<char const *, 8> kOrder{"description", "iptccore", "iptcext", "camera",
                                                         "gps",         "origin",   "rights",  "audio"};
     for (std::size_t i = 0; i < kOrder.size(); ++i)
@@ -166,10 +168,18 @@ private:
 void WriteItem(QXmlStreamWriter &writer, ViewItem const &item)
 {
     switch (item.mKind) {
-    case ViewItem::Kind::kSection: writer.writeStartElement(QStringLiteral("section")); break;
-    case ViewItem::Kind::kProperty: writer.writeStartElement(QStringLiteral("property")); break;
-    case ViewItem::Kind::kStruct: writer.writeStartElement(QStringLiteral("struct")); break;
-    case ViewItem::Kind::kArray: writer.writeStartElement(QStringLiteral("array")); break;
+    case ViewItem::Kind::kSection:
+        writer.writeStartElement(QStringLiteral("section"));
+        break;
+    case ViewItem::Kind::kProperty:
+        writer.writeStartElement(QStringLiteral("property"));
+        break;
+    case ViewItem::Kind::kStruct:
+        writer.writeStartElement(QStringLiteral("struct"));
+        break;
+    case ViewItem::Kind::kArray:
+        writer.writeStartElement(QStringLiteral("array"));
+        break;
     }
     if (item.mKind != ViewItem::Kind::kSection)
         writer.writeAttribute(QStringLiteral("path"), QString::fromStdString(item.mPath.mPath));
@@ -204,7 +214,8 @@ public:
         if (item->mKind == ViewItem::Kind::kSection) {
             if (depth > 0) return; // sections nest only at the top
             mBuilder.BeginSection(*item);
-            for (auto const &child : item->mChildren) Item(child, depth + 1);
+            for (auto const &child : item->mChildren)
+                Item(child, depth + 1);
             mBuilder.EndSection();
             return;
         }
@@ -368,7 +379,8 @@ bool BuildView(std::shared_ptr<ViewDefinition> const &definition, ViewBuilderInt
     if (!definition) return false;
     Walker walker(*definition, builder);
     builder.BeginView(*definition);
-    for (auto const &item : definition->mItems) walker.Item(item, 0);
+    for (auto const &item : definition->mItems)
+        walker.Item(item, 0);
     builder.EndView();
     return true;
 }

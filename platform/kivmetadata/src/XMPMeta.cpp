@@ -20,53 +20,100 @@ namespace detail {
 std::string XmpErrorText(int code)
 {
     switch (code) {
-    case 0: return "unknown error";
-    case -1: return "unknown error";
-    case -2: return "TBD";
-    case -3: return "unavailable";
-    case -4: return "bad object";
-    case -5: return "bad parameter";
-    case -6: return "bad value";
-    case -7: return "assertion failure";
-    case -8: return "enforce failure";
-    case -9: return "unimplemented";
-    case -10: return "internal failure";
-    case -11: return "deprecated";
-    case -12: return "external failure";
-    case -13: return "user abort";
-    case -14: return "standard exception";
-    case -15: return "unknown exception";
-    case -16: return "out of memory";
-    case -101: return "schema namespace and prefix do not match";
-    case -102: return "bad property path";
-    case -103: return "bad options";
-    case -104: return "bad index";
-    case -105: return "bad iteration position";
-    case -106: return "bad parse";
-    case -107: return "bad serialisation";
-    case -108: return "bad file format";
-    case -109: return "no file handler";
-    case -110: return "file too large for JPEG";
-    case -111: return "no file";
-    case -112: return "file permission denied";
-    case -113: return "disk space";
-    case -114: return "read error";
-    case -115: return "write error";
-    case -116: return "bad block format";
-    case -117: return "file path is not a file";
-    case -118: return "file is not accessible";
-    case -201: return "malformed XML";
-    case -202: return "malformed RDF";
-    case -203: return "malformed XMP";
-    case -204: return "empty iterator";
-    case -205: return "bad Unicode";
-    case -206: return "bad TIFF";
-    case -207: return "bad JPEG";
-    case -208: return "bad PSD";
-    case -209: return "bad PSIR";
-    case -210: return "bad IPTC";
-    case -211: return "bad MPEG";
-    default: return "XMP toolkit error " + std::to_string(code);
+    case 0:
+        return "unknown error";
+    case -1:
+        return "unknown error";
+    case -2:
+        return "TBD";
+    case -3:
+        return "unavailable";
+    case -4:
+        return "bad object";
+    case -5:
+        return "bad parameter";
+    case -6:
+        return "bad value";
+    case -7:
+        return "assertion failure";
+    case -8:
+        return "enforce failure";
+    case -9:
+        return "unimplemented";
+    case -10:
+        return "internal failure";
+    case -11:
+        return "deprecated";
+    case -12:
+        return "external failure";
+    case -13:
+        return "user abort";
+    case -14:
+        return "standard exception";
+    case -15:
+        return "unknown exception";
+    case -16:
+        return "out of memory";
+    case -101:
+        return "schema namespace and prefix do not match";
+    case -102:
+        return "bad property path";
+    case -103:
+        return "bad options";
+    case -104:
+        return "bad index";
+    case -105:
+        return "bad iteration position";
+    case -106:
+        return "bad parse";
+    case -107:
+        return "bad serialisation";
+    case -108:
+        return "bad file format";
+    case -109:
+        return "no file handler";
+    case -110:
+        return "file too large for JPEG";
+    case -111:
+        return "no file";
+    case -112:
+        return "file permission denied";
+    case -113:
+        return "disk space";
+    case -114:
+        return "read error";
+    case -115:
+        return "write error";
+    case -116:
+        return "bad block format";
+    case -117:
+        return "file path is not a file";
+    case -118:
+        return "file is not accessible";
+    case -201:
+        return "malformed XML";
+    case -202:
+        return "malformed RDF";
+    case -203:
+        return "malformed XMP";
+    case -204:
+        return "empty iterator";
+    case -205:
+        return "bad Unicode";
+    case -206:
+        return "bad TIFF";
+    case -207:
+        return "bad JPEG";
+    case -208:
+        return "bad PSD";
+    case -209:
+        return "bad PSIR";
+    case -210:
+        return "bad IPTC";
+    case -211:
+        return "bad MPEG";
+    default:
+        return "XMP toolkit error " + std::to_string(code);
     }
 }
 
@@ -181,10 +228,12 @@ bool XMPMeta::Serialize(std::string &out, std::uint32_t options, std::uint32_t p
 bool XMPMeta::IsEmpty() const
 {
     bool empty = true;
-    Iterate([&](Node const &) {
-        empty = false;
-        return false;
-    }, {}, {}, true);
+    Iterate(
+        [&](Node const &) {
+            empty = false;
+            return false;
+        },
+        {}, {}, true);
     return empty;
 }
 
@@ -317,7 +366,8 @@ std::vector<std::string> XMPMeta::Namespaces() const
     if (!it) return result;
     XmpString schema, propPath, propValue;
     uint32_t options = 0;
-    while (xmp_iterator_next(it.get(), schema, propPath, propValue, &options)) result.push_back(schema.str());
+    while (xmp_iterator_next(it.get(), schema, propPath, propValue, &options))
+        result.push_back(schema.str());
     return result;
 }
 
@@ -325,10 +375,12 @@ std::vector<std::string> XMPMeta::TopLevelProperties(std::string const &ns) cons
 {
     std::vector<std::string> result;
     if (ns.empty()) return result;
-    Iterate([&](Node const &node) {
-        if (!(node.mOptions & kPropIsSchemaNode) && !node.mPath.empty()) result.push_back(node.mPath);
-        return true;
-    }, ns, {}, true);
+    Iterate(
+        [&](Node const &node) {
+            if (!(node.mOptions & kPropIsSchemaNode) && !node.mPath.empty()) result.push_back(node.mPath);
+            return true;
+        },
+        ns, {}, true);
     return result;
 }
 
@@ -373,18 +425,20 @@ bool IsInternal(std::string const &ns, std::string const &path)
 // Copies the subtree at ns/path of `source` into `dest`, which lacks it.
 void CopySubtree(XMPMeta const &source, XMPMeta &dest, std::string const &ns, std::string const &path)
 {
-    source.Iterate([&](XMPMeta::Node const &node) {
-        if (node.mOptions & XMPMeta::kPropIsSchemaNode) return true;
-        if (node.mOptions & XMPMeta::kPropIsQualifier) {
-            dest.SetProperty(ns, node.mPath, node.mValue, 0);
-        } else if (node.mOptions & XMPMeta::kPropCompositeMask) {
-            dest.SetComposite(ns, node.mPath, node.mOptions & ~(XMPMeta::kPropHasQualifiers | XMPMeta::kPropHasLang));
-        } else {
-            dest.SetProperty(ns, node.mPath, node.mValue,
-                             node.mOptions & XMPMeta::kPropValueIsURI);
-        }
-        return true;
-    }, ns, path);
+    source.Iterate(
+        [&](XMPMeta::Node const &node) {
+            if (node.mOptions & XMPMeta::kPropIsSchemaNode) return true;
+            if (node.mOptions & XMPMeta::kPropIsQualifier) {
+                dest.SetProperty(ns, node.mPath, node.mValue, 0);
+            } else if (node.mOptions & XMPMeta::kPropCompositeMask) {
+                dest.SetComposite(ns, node.mPath,
+                                  node.mOptions & ~(XMPMeta::kPropHasQualifiers | XMPMeta::kPropHasLang));
+            } else {
+                dest.SetProperty(ns, node.mPath, node.mValue, node.mOptions & XMPMeta::kPropValueIsURI);
+            }
+            return true;
+        },
+        ns, path);
 }
 
 struct Item {
@@ -404,10 +458,12 @@ std::vector<Item> ArrayItems(XMPMeta const &meta, std::string const &ns, std::st
         if (item.mOptions & XMPMeta::kPropCompositeMask) {
             // Compare composite items by their leaves.
             item.mValue.clear();
-            meta.Iterate([&](XMPMeta::Node const &node) {
-                item.mValue += node.mPath.substr(itemPath.size()) + '=' + node.mValue + '\n';
-                return true;
-            }, ns, itemPath);
+            meta.Iterate(
+                [&](XMPMeta::Node const &node) {
+                    item.mValue += node.mPath.substr(itemPath.size()) + '=' + node.mValue + '\n';
+                    return true;
+                },
+                ns, itemPath);
         }
         if (item.mOptions & XMPMeta::kPropHasLang) meta.GetProperty(ns, itemPath + "/?xml:lang", item.mLang);
         items.push_back(std::move(item));
@@ -421,9 +477,10 @@ void MergeNode(XMPMeta const &source, XMPMeta &dest, std::string const &ns, std:
     std::string sourceValue, destValue;
     std::uint32_t sourceOptions = 0, destOptions = 0;
     if (!source.GetProperty(ns, path, sourceValue, &sourceOptions)) return;
-    bool const sourceEmpty = !(sourceOptions & XMPMeta::kPropCompositeMask)
-                                 ? sourceValue.empty()
-                                 : ((sourceOptions & XMPMeta::kPropValueIsArray) && source.CountArrayItems(ns, path) == 0);
+    bool const sourceEmpty =
+        !(sourceOptions & XMPMeta::kPropCompositeMask)
+            ? sourceValue.empty()
+            : ((sourceOptions & XMPMeta::kPropValueIsArray) && source.CountArrayItems(ns, path) == 0);
     if (!dest.GetProperty(ns, path, destValue, &destOptions)) {
         if (sourceEmpty && (options & kUtilDeleteEmptyValues)) return;
         CopySubtree(source, dest, ns, path);
@@ -441,15 +498,17 @@ void MergeNode(XMPMeta const &source, XMPMeta &dest, std::string const &ns, std:
         return;
     }
     if (sourceOptions & XMPMeta::kPropValueIsStruct) {
-        source.Iterate([&](XMPMeta::Node const &node) {
-            if (node.mOptions & XMPMeta::kPropIsQualifier) return true;
-            // Direct fields only: deeper nodes are merged by the field's own call.
-            if (node.mPath.size() <= path.size() + 1) return true;
-            std::string_view const rest = std::string_view(node.mPath).substr(path.size() + 1);
-            if (rest.find_first_of("/[") != std::string_view::npos) return true;
-            MergeNode(source, dest, ns, node.mPath, options);
-            return true;
-        }, ns, path, false);
+        source.Iterate(
+            [&](XMPMeta::Node const &node) {
+                if (node.mOptions & XMPMeta::kPropIsQualifier) return true;
+                // Direct fields only: deeper nodes are merged by the field's own call.
+                if (node.mPath.size() <= path.size() + 1) return true;
+                std::string_view const rest = std::string_view(node.mPath).substr(path.size() + 1);
+                if (rest.find_first_of("/[") != std::string_view::npos) return true;
+                MergeNode(source, dest, ns, node.mPath, options);
+                return true;
+            },
+            ns, path, false);
         return;
     }
     if (sourceOptions & XMPMeta::kPropValueIsArray) {
@@ -460,8 +519,8 @@ void MergeNode(XMPMeta const &source, XMPMeta &dest, std::string const &ns, std:
             auto const &item = sourceItems[i];
             bool present = false;
             for (auto const &existing : destItems) {
-                if (altText ? existing.mLang == item.mLang : (existing.mValue == item.mValue &&
-                                                              existing.mLang == item.mLang)) {
+                if (altText ? existing.mLang == item.mLang
+                            : (existing.mValue == item.mValue && existing.mLang == item.mLang)) {
                     present = true;
                     break;
                 }
@@ -475,16 +534,20 @@ void MergeNode(XMPMeta const &source, XMPMeta &dest, std::string const &ns, std:
             std::string const from = path + '[' + std::to_string(i + 1) + ']';
             if (item.mOptions & XMPMeta::kPropCompositeMask) {
                 dest.SetComposite(ns, target, item.mOptions & XMPMeta::kPropCompositeMask);
-                source.Iterate([&](XMPMeta::Node const &node) {
-                    if (node.mPath == from) return true;
-                    std::string const relocated = target + node.mPath.substr(from.size());
-                    if (node.mOptions & XMPMeta::kPropCompositeMask)
-                        dest.SetComposite(ns, relocated, node.mOptions & XMPMeta::kPropCompositeMask);
-                    else
-                        dest.SetProperty(ns, relocated, node.mValue,
-                                         node.mOptions & XMPMeta::kPropIsQualifier ? 0 : (node.mOptions & XMPMeta::kPropValueIsURI));
-                    return true;
-                }, ns, from);
+                source.Iterate(
+                    [&](XMPMeta::Node const &node) {
+                        if (node.mPath == from) return true;
+                        std::string const relocated = target + node.mPath.substr(from.size());
+                        if (node.mOptions & XMPMeta::kPropCompositeMask)
+                            dest.SetComposite(ns, relocated, node.mOptions & XMPMeta::kPropCompositeMask);
+                        else
+                            dest.SetProperty(ns, relocated, node.mValue,
+                                             node.mOptions & XMPMeta::kPropIsQualifier
+                                                 ? 0
+                                                 : (node.mOptions & XMPMeta::kPropValueIsURI));
+                        return true;
+                    },
+                    ns, from);
             } else {
                 dest.SetProperty(ns, target, item.mValue, item.mOptions & XMPMeta::kPropValueIsURI);
                 if (!item.mLang.empty()) dest.SetProperty(ns, target + "/?xml:lang", item.mLang);
@@ -503,29 +566,34 @@ void RemoveProperties(XMPMeta &meta, std::string const &ns, std::string const &n
     if (!name.empty()) {
         if (ns.empty()) return;
         // The toolkit takes a qualified name; a bare local name is accepted too.
-        std::string const path = name.find(':') == std::string::npos ? PathForSchemaNameAndPropertyName(ns, name).mPath
-                                                                      : name;
+        std::string const path =
+            name.find(':') == std::string::npos ? PathForSchemaNameAndPropertyName(ns, name).mPath : name;
         if (all || !IsInternal(ns, path)) meta.DeleteProperty(ns, path);
         return;
     }
     std::vector<std::pair<std::string, std::string>> doomed;
-    meta.Iterate([&](XMPMeta::Node const &node) {
-        if (node.mOptions & XMPMeta::kPropIsSchemaNode) return true;
-        if (all || !IsInternal(node.mNamespace, node.mPath)) doomed.emplace_back(node.mNamespace, node.mPath);
-        return true;
-    }, ns, {}, true);
-    for (auto const &[propertyNs, path] : doomed) meta.DeleteProperty(propertyNs, path);
+    meta.Iterate(
+        [&](XMPMeta::Node const &node) {
+            if (node.mOptions & XMPMeta::kPropIsSchemaNode) return true;
+            if (all || !IsInternal(node.mNamespace, node.mPath)) doomed.emplace_back(node.mNamespace, node.mPath);
+            return true;
+        },
+        ns, {}, true);
+    for (auto const &[propertyNs, path] : doomed)
+        meta.DeleteProperty(propertyNs, path);
 }
 
 void AppendProperties(XMPMeta const &source, XMPMeta &dest, std::uint32_t options)
 {
     bool const all = options & kUtilDoAllProperties;
     std::vector<std::pair<std::string, std::string>> properties;
-    source.Iterate([&](XMPMeta::Node const &node) {
-        if (node.mOptions & XMPMeta::kPropIsSchemaNode) return true;
-        if (all || !IsInternal(node.mNamespace, node.mPath)) properties.emplace_back(node.mNamespace, node.mPath);
-        return true;
-    }, {}, {}, true);
+    source.Iterate(
+        [&](XMPMeta::Node const &node) {
+            if (node.mOptions & XMPMeta::kPropIsSchemaNode) return true;
+            if (all || !IsInternal(node.mNamespace, node.mPath)) properties.emplace_back(node.mNamespace, node.mPath);
+            return true;
+        },
+        {}, {}, true);
     for (auto const &[ns, path] : properties) {
         std::string prefix = path.substr(0, path.find(':'));
         // The prefix of a parsed packet is registered by the toolkit; make sure

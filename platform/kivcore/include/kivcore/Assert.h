@@ -40,8 +40,8 @@ KIVCORE_EXPORT long AssertCount();
 } // namespace kivcore::debug
 
 // KIV_ASSERT(unit, function, condition): condition text is kept verbatim.
-#define KIV_ASSERT(unit, function, condition)                                                       \
+#define KIV_ASSERT(unit, function, condition)                                                                          \
     ((condition) ? (void)0 : ::kivcore::debug::DoSimpleAssert(unit, function, #condition, nullptr, __LINE__))
 
-#define KIV_ASSERT_MSG(unit, function, condition, message)                                          \
+#define KIV_ASSERT_MSG(unit, function, condition, message)                                                             \
     ((condition) ? (void)0 : ::kivcore::debug::DoSimpleAssert(unit, function, #condition, message, __LINE__))

@@ -5,8 +5,7 @@
 namespace kivcore {
 
 // A set of bit flags held in an integral or enumeration type T.
-template <typename T>
-class Flags {
+template <typename T> class Flags {
     using Bits = std::conditional_t<std::is_enum_v<T>, std::underlying_type<T>, std::type_identity<T>>;
 
 public:
@@ -15,7 +14,9 @@ public:
     constexpr Flags() noexcept = default;
     constexpr Flags(T value) noexcept : mValue(static_cast<value_type>(value)) {}
     template <typename U, typename = std::enable_if_t<std::is_integral_v<U> && !std::is_same_v<U, T>>>
-    constexpr explicit Flags(U value) noexcept : mValue(static_cast<value_type>(value)) {}
+    constexpr explicit Flags(U value) noexcept : mValue(static_cast<value_type>(value))
+    {
+    }
 
     constexpr value_type Value() const noexcept { return mValue; }
     constexpr bool IsSet(value_type bits) const noexcept { return (mValue & bits) == bits && bits != 0; }
@@ -30,8 +31,16 @@ public:
 
     constexpr Flags operator|(Flags o) const noexcept { return Flags(static_cast<value_type>(mValue | o.mValue), 0); }
     constexpr Flags operator&(Flags o) const noexcept { return Flags(static_cast<value_type>(mValue & o.mValue), 0); }
-    constexpr Flags &operator|=(Flags o) noexcept { mValue = static_cast<value_type>(mValue | o.mValue); return *this; }
-    constexpr Flags &operator&=(Flags o) noexcept { mValue = static_cast<value_type>(mValue & o.mValue); return *this; }
+    constexpr Flags &operator|=(Flags o) noexcept
+    {
+        mValue = static_cast<value_type>(mValue | o.mValue);
+        return *this;
+    }
+    constexpr Flags &operator&=(Flags o) noexcept
+    {
+        mValue = static_cast<value_type>(mValue & o.mValue);
+        return *this;
+    }
     friend constexpr bool operator==(Flags a, Flags b) noexcept { return a.mValue == b.mValue; }
 
 private:

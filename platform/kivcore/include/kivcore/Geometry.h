@@ -5,8 +5,7 @@
 
 namespace kivcore {
 
-template <typename T>
-struct PointT {
+template <typename T> struct PointT {
     T x{};
     T y{};
     friend constexpr bool operator==(PointT const &, PointT const &) = default;
@@ -16,8 +15,7 @@ struct PointT {
 
 // Origin plus size. A rectangle with negative width or height is not
 // normalised; Normalized() makes its size non-negative.
-template <typename T>
-struct RectT {
+template <typename T> struct RectT {
     T x{};
     T y{};
     T width{};
@@ -33,15 +31,18 @@ struct RectT {
     constexpr PointT<T> Size() const { return {width, height}; }
     constexpr bool IsEmpty() const { return width <= T{} || height <= T{}; }
 
-    constexpr bool Contains(PointT<T> p) const
-    {
-        return p.x >= x && p.y >= y && p.x < x + width && p.y < y + height;
-    }
+    constexpr bool Contains(PointT<T> p) const { return p.x >= x && p.y >= y && p.x < x + width && p.y < y + height; }
     constexpr RectT Normalized() const
     {
         RectT r = *this;
-        if (r.width < T{}) { r.x += r.width; r.width = -r.width; }
-        if (r.height < T{}) { r.y += r.height; r.height = -r.height; }
+        if (r.width < T{}) {
+            r.x += r.width;
+            r.width = -r.width;
+        }
+        if (r.height < T{}) {
+            r.y += r.height;
+            r.height = -r.height;
+        }
         return r;
     }
     constexpr RectT Offset(T dx, T dy) const { return {x + dx, y + dy, width, height}; }

@@ -47,9 +47,8 @@ KIVMETADATA_EXPORT bool UnregisterSchemaDefinition(std::string const &ns);
 
 // Reads a schema file (format in docs/formats.md); null and an error record
 // when it does not parse.
-KIVMETADATA_EXPORT std::shared_ptr<SchemaDefinition> ParseSchemaDefinition(std::string_view xml,
-                                                                           std::u16string const &filePath,
-                                                                           std::string *error = nullptr);
+KIVMETADATA_EXPORT std::shared_ptr<SchemaDefinition>
+ParseSchemaDefinition(std::string_view xml, std::u16string const &filePath, std::string *error = nullptr);
 // Loads and registers every "*.xml" schema file of a folder; with `custom`,
 // each schema remembers its file. Returns how many were registered.
 KIVMETADATA_EXPORT int LoadSchemaDefinitionsFromFolder(std::u16string const &folder, bool custom);

@@ -26,9 +26,8 @@ KIVMETADATA_EXPORT std::u16string UserPanelDirectory();
 // Reads a panel file (format in docs/formats.md); null and an error record
 // when it does not parse. Paths with unknown prefixes are kept (and skipped
 // by BuildView).
-KIVMETADATA_EXPORT std::shared_ptr<ViewDefinition> ParseViewDefinition(std::string_view xml,
-                                                                       std::u16string const &filePath,
-                                                                       std::string *error = nullptr);
+KIVMETADATA_EXPORT std::shared_ptr<ViewDefinition>
+ParseViewDefinition(std::string_view xml, std::u16string const &filePath, std::string *error = nullptr);
 KIVMETADATA_EXPORT std::string ViewDefinitionAsXMLString(ViewDefinition const &definition);
 // Loads and registers every "*.xml" panel of a folder; returns how many.
 KIVMETADATA_EXPORT int LoadViewDefinitionsFromFolder(std::u16string const &folder);

@@ -51,7 +51,7 @@ struct KIVUI_EXPORT KeyboardEvent {
 struct KIVUI_EXPORT MouseEvent {
     enum Type { kDown, kMove, kUp, kWheel };
     Type type = kMove;
-    int button = 0; // 1 left, 2 right, 3 middle; 0 for moves without a button
+    int button = 0;         // 1 left, 2 right, 3 middle; 0 for moves without a button
     kivcore::PointF local;  // in the receiving node's coordinates
     kivcore::PointF global; // on the screen
     bool onSelf = true;     // false when the point is over a child node

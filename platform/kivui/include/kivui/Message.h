@@ -32,7 +32,9 @@ class KIVUI_EXPORT UI_InteractiveControlChangedMessage : public Message {
 public:
     enum { kBeginEditing = 0, kChanged = 1, kEndEditing = 2 };
     UI_InteractiveControlChangedMessage(UI_Node *inSource, int inChangeMessage)
-        : Message(inSource), mChangeMessage(inChangeMessage) {}
+        : Message(inSource), mChangeMessage(inChangeMessage)
+    {
+    }
     ~UI_InteractiveControlChangedMessage() override;
     int GetChangeMessage() const { return mChangeMessage; }
 

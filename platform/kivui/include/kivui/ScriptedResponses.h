@@ -43,8 +43,7 @@ public:
     static void PushOk(std::optional<std::u16string> text = std::nullopt);
     static void PushCancel();
     // Runs `action` on the next dialog shown, then answers it with `answer`.
-    static void PushAction(std::function<void(QWidget *dialog)> action,
-                           ScriptedAnswer answer = ScriptedAnswer::kNone);
+    static void PushAction(std::function<void(QWidget *dialog)> action, ScriptedAnswer answer = ScriptedAnswer::kNone);
     static std::size_t Pending();
     static void Clear();
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <kivui/kivui_export.h>
 #include <kivui/SkinVersion.h>
+#include <kivui/kivui_export.h>
 
 #include <QString>
 

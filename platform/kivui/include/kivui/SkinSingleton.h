@@ -19,8 +19,7 @@ KIVUI_EXPORT void DestroySkinSingleton(char const *typeName);
 
 // The one instance of a skin class T. Get() asserts "S_instanceP" and returns
 // null when Create() has not been called.
-template <typename T>
-class SkinSingleton {
+template <typename T> class SkinSingleton {
 public:
     static T *Get()
     {

@@ -48,12 +48,12 @@ public:
     // The control named inID as a T. No control of that name: the null-pointer
     // exception naming T. A control of another type (or a plain Qt widget):
     // the invalid-type-conversion error at level 1.
-    template <typename T>
-    kivcore::utility::IntrusivePtr<T> FindControl(std::string const &inID) const
+    template <typename T> kivcore::utility::IntrusivePtr<T> FindControl(std::string const &inID) const
     {
         UI_Node *node = FindNode(inID);
         if (!node) {
-            if (!FindWidget(inID)) kivcore::config::DoThrowNullPtrException(detail::ReadableTypeName(typeid(T)).c_str());
+            if (!FindWidget(inID))
+                kivcore::config::DoThrowNullPtrException(detail::ReadableTypeName(typeid(T)).c_str());
             kivcore::config::DoThrowError(kivcore::config::kInvalidTypeConversionKey, 1);
         }
         T *control = dynamic_cast<T *>(node);

@@ -30,7 +30,7 @@ public:
     static bool IsRegistered(std::string const &className);
     // Null when no creator is registered for the class.
     static kivcore::utility::IntrusivePtr<UI_Node> Create(std::string const &className,
-                                                         drawbot::SupplierInterface *supplier);
+                                                          drawbot::SupplierInterface *supplier);
     // False when the class has no text setter.
     static bool SetText(std::string const &className, UI_Node &node, std::u16string const &text);
     static std::vector<std::string> RegisteredClassNames();

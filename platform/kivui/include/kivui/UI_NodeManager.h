@@ -34,8 +34,7 @@ class KIVUI_EXPORT UI_NodeManager {
 public:
     static UI_NodeManager &Get();
 
-    void BeginInputCapture(kivcore::utility::IntrusivePtr<InputCapture> inCapture,
-                           UI_Node *inCoordinateNode = nullptr);
+    void BeginInputCapture(kivcore::utility::IntrusivePtr<InputCapture> inCapture, UI_Node *inCoordinateNode = nullptr);
     void EndInputCapture();
     InputCapture *GetInputCapture() const;
 

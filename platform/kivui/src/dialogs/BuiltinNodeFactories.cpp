@@ -26,22 +26,19 @@ namespace kivui::detail {
 
 namespace {
 
-template <typename T>
-kivcore::utility::IntrusivePtr<UI_Node> Make(drawbot::SupplierInterface *supplier)
+template <typename T> kivcore::utility::IntrusivePtr<UI_Node> Make(drawbot::SupplierInterface *supplier)
 {
     kivcore::utility::IntrusivePtr<UI_Node> node(new T());
     node->UI_SetDrawSupplier(supplier);
     return node;
 }
 
-template <typename T>
-void SetValueText(UI_Node &node, std::u16string const &text)
+template <typename T> void SetValueText(UI_Node &node, std::u16string const &text)
 {
     static_cast<T &>(node).SetValue(text, false);
 }
 
-template <typename T>
-void SetText(UI_Node &node, std::u16string const &text)
+template <typename T> void SetText(UI_Node &node, std::u16string const &text)
 {
     static_cast<T &>(node).SetText(text);
 }

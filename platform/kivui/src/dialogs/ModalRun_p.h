@@ -14,10 +14,10 @@ namespace kivui::dialogs::detail {
 
 // How a modal run is answered the way a user would answer it.
 struct ModalAnswerers {
-    std::function<void()> ok;     // press the OK / confirm button
-    std::function<void()> cancel; // press Cancel / Escape
+    std::function<void()> ok;                         // press the OK / confirm button
+    std::function<void()> cancel;                     // press Cancel / Escape
     std::function<void(std::u16string const &)> text; // type into the input field
-    std::u16string message; // recorded in the history
+    std::u16string message;                           // recorded in the history
 };
 
 // Runs `dialog` modally and returns its result code (QDialog::Accepted or

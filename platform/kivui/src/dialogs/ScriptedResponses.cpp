@@ -118,10 +118,13 @@ int RunModal(QDialog &dialog, ModalAnswerers const &answerers)
         if (response.action) response.action(guard);
         if (!guard || finished) break;
         if (response.text && answerers.text) answerers.text(*response.text);
-        if (response.answer == ScriptedAnswer::kOk && answerers.ok) answerers.ok();
+        if (response.answer == ScriptedAnswer::kOk && answerers.ok)
+            answerers.ok();
         else if (response.answer == ScriptedAnswer::kCancel) {
-            if (answerers.cancel) answerers.cancel();
-            else guard->reject();
+            if (answerers.cancel)
+                answerers.cancel();
+            else
+                guard->reject();
         }
         QCoreApplication::processEvents();
     }

@@ -95,8 +95,8 @@ QString Localized(QString const &text)
 
 void LocalizeWidget(QWidget *widget)
 {
-    static char const *const kTextProperties[] = {"text", "title", "toolTip", "placeholderText", "windowTitle",
-                                                  "statusTip", "whatsThis"};
+    static char const *const kTextProperties[] = {"text",        "title",     "toolTip",  "placeholderText",
+                                                  "windowTitle", "statusTip", "whatsThis"};
     for (char const *property : kTextProperties) {
         QVariant const value = widget->property(property);
         if (value.typeId() != QMetaType::QString) continue;
@@ -104,7 +104,8 @@ void LocalizeWidget(QWidget *widget)
         if (text.startsWith(QLatin1String("$$$/"))) widget->setProperty(property, Localized(text));
     }
     if (auto *combo = qobject_cast<QComboBox *>(widget)) {
-        for (int i = 0; i < combo->count(); ++i) combo->setItemText(i, Localized(combo->itemText(i)));
+        for (int i = 0; i < combo->count(); ++i)
+            combo->setItemText(i, Localized(combo->itemText(i)));
     }
 }
 
@@ -159,7 +160,8 @@ void UI_ArchivedDialog::Build(QByteArray const &inArchive, dialogs::DialogText c
 
     QList<QWidget *> widgets = content->findChildren<QWidget *>();
     widgets.prepend(content);
-    for (QWidget *widget : widgets) LocalizeWidget(widget);
+    for (QWidget *widget : widgets)
+        LocalizeWidget(widget);
     for (auto &[id, entry] : d->nodes) {
         entry.node->UI_SetNodeID(id);
         QVariant const text = entry.node->UI_GetWidget()->property("text");

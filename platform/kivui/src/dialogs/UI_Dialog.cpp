@@ -28,8 +28,10 @@ DialogWidget::DialogWidget(QWidget *parent) : QDialog(parent) {}
 void DialogWidget::reject()
 {
     // Escape and the window's close box go through the dialog's own cancel path.
-    if (mOwner) mOwner->DefaultCloseCancel();
-    else QDialog::reject();
+    if (mOwner)
+        mOwner->DefaultCloseCancel();
+    else
+        QDialog::reject();
 }
 
 void DialogWidget::closeEvent(QCloseEvent *event)
@@ -184,8 +186,10 @@ kivcore::PointF UI_Dialog::GetMinimumSize() const
 void UI_Dialog::SetResizable(bool inResizable)
 {
     d->dialog->setSizeGripEnabled(inResizable);
-    if (!inResizable) d->dialog->setFixedSize(d->dialog->size());
-    else d->dialog->setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
+    if (!inResizable)
+        d->dialog->setFixedSize(d->dialog->size());
+    else
+        d->dialog->setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
 }
 
 bool UI_Dialog::RestoreWindowPositionAndSize(kivcore::PointF const &inDefaultSize)

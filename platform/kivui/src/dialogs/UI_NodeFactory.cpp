@@ -66,7 +66,8 @@ bool UI_NodeFactory::SetText(std::string const &className, UI_Node &node, std::u
 std::vector<std::string> UI_NodeFactory::RegisteredClassNames()
 {
     std::vector<std::string> names;
-    for (auto const &[name, entry] : Registry()) names.push_back(name);
+    for (auto const &[name, entry] : Registry())
+        names.push_back(name);
     return names;
 }
 

@@ -22,10 +22,7 @@ struct Drawbot::Private {
     SupplierInterface const &supplier;
     QPainter *painter = nullptr;
 
-    QColor Resolve(QColor const &color) const
-    {
-        return color.isValid() ? color : painter->pen().color();
-    }
+    QColor Resolve(QColor const &color) const { return color.isValid() ? color : painter->pen().color(); }
 };
 
 Drawbot::Drawbot(SupplierInterface const &supplier) : d(std::make_unique<Private>(Private{supplier, nullptr})) {}
@@ -67,8 +64,10 @@ void Drawbot::DrawText(std::u16string_view text, kivcore::RectF const &rect, int
     QFontMetricsF const metrics(font);
     if (metrics.horizontalAdvance(s) > rect.width) s = metrics.elidedText(s, Qt::ElideRight, rect.width);
     Qt::Alignment h = Qt::AlignLeft;
-    if (alignment == kAlignCenter) h = Qt::AlignHCenter;
-    else if (alignment == kAlignRight) h = Qt::AlignRight;
+    if (alignment == kAlignCenter)
+        h = Qt::AlignHCenter;
+    else if (alignment == kAlignRight)
+        h = Qt::AlignRight;
     p.save();
     p.setFont(font);
     p.setPen(d->Resolve(color));

@@ -2,8 +2,8 @@
 
 #include "UI_Node_p.h"
 
-#include <kivui/UI_NodeManager.h>
 #include <kivui/UI_Node.h>
+#include <kivui/UI_NodeManager.h>
 #include <kivui/drawbot/Drawbot.h>
 #include <kivui/drawbot/QtSupplier.h>
 
@@ -19,7 +19,10 @@ using kivcore::PointF;
 
 namespace {
 
-PointF ToPoint(QPointF p) { return PointF{float(p.x()), float(p.y())}; }
+PointF ToPoint(QPointF p)
+{
+    return PointF{float(p.x()), float(p.y())};
+}
 
 } // namespace
 
@@ -56,7 +59,8 @@ protected:
         case QEvent::MouseButtonRelease:
             if (!UI_NodeManager::Get().GetInputCapture() || !inWatched->isWidgetType()) return false;
             return mOwner->HandleCapture(inEvent);
-        default: return false;
+        default:
+            return false;
         }
     }
 
@@ -94,10 +98,14 @@ std::uint32_t NodeEventFilter::TranslateModifiers(Qt::KeyboardModifiers inModifi
 int NodeEventFilter::TranslateButton(Qt::MouseButton inButton)
 {
     switch (inButton) {
-    case Qt::LeftButton: return 1;
-    case Qt::RightButton: return 2;
-    case Qt::MiddleButton: return 3;
-    default: return 0;
+    case Qt::LeftButton:
+        return 1;
+    case Qt::RightButton:
+        return 2;
+    case Qt::MiddleButton:
+        return 3;
+    default:
+        return 0;
     }
 }
 
@@ -108,25 +116,56 @@ KeyboardEvent NodeEventFilter::TranslateKey(QKeyEvent const &inEvent)
     std::uint32_t mods = TranslateModifiers(inEvent.modifiers());
     if (inEvent.isAutoRepeat()) mods |= kModifierKeypad;
     switch (inEvent.key()) {
-    case Qt::Key_Tab: ev.code = KeyboardCode::kTab; break;
+    case Qt::Key_Tab:
+        ev.code = KeyboardCode::kTab;
+        break;
     case Qt::Key_Backtab:
         ev.code = KeyboardCode::kTab;
         mods |= kModifierShift;
         break;
-    case Qt::Key_Return: ev.code = KeyboardCode::kReturn; break;
-    case Qt::Key_Enter: ev.code = KeyboardCode::kEnter; break;
-    case Qt::Key_Escape: ev.code = KeyboardCode::kEscape; break;
-    case Qt::Key_Space: ev.code = KeyboardCode::kSpace; ev.character = u' '; break;
-    case Qt::Key_Backspace: ev.code = KeyboardCode::kBackspace; break;
-    case Qt::Key_Delete: ev.code = KeyboardCode::kDelete; break;
-    case Qt::Key_Left: ev.code = KeyboardCode::kLeftArrow; break;
-    case Qt::Key_Right: ev.code = KeyboardCode::kRightArrow; break;
-    case Qt::Key_Up: ev.code = KeyboardCode::kUpArrow; break;
-    case Qt::Key_Down: ev.code = KeyboardCode::kDownArrow; break;
-    case Qt::Key_Home: ev.code = KeyboardCode::kHome; break;
-    case Qt::Key_End: ev.code = KeyboardCode::kEnd; break;
-    case Qt::Key_PageUp: ev.code = KeyboardCode::kPageUp; break;
-    case Qt::Key_PageDown: ev.code = KeyboardCode::kPageDown; break;
+    case Qt::Key_Return:
+        ev.code = KeyboardCode::kReturn;
+        break;
+    case Qt::Key_Enter:
+        ev.code = KeyboardCode::kEnter;
+        break;
+    case Qt::Key_Escape:
+        ev.code = KeyboardCode::kEscape;
+        break;
+    case Qt::Key_Space:
+        ev.code = KeyboardCode::kSpace;
+        ev.character = u' ';
+        break;
+    case Qt::Key_Backspace:
+        ev.code = KeyboardCode::kBackspace;
+        break;
+    case Qt::Key_Delete:
+        ev.code = KeyboardCode::kDelete;
+        break;
+    case Qt::Key_Left:
+        ev.code = KeyboardCode::kLeftArrow;
+        break;
+    case Qt::Key_Right:
+        ev.code = KeyboardCode::kRightArrow;
+        break;
+    case Qt::Key_Up:
+        ev.code = KeyboardCode::kUpArrow;
+        break;
+    case Qt::Key_Down:
+        ev.code = KeyboardCode::kDownArrow;
+        break;
+    case Qt::Key_Home:
+        ev.code = KeyboardCode::kHome;
+        break;
+    case Qt::Key_End:
+        ev.code = KeyboardCode::kEnd;
+        break;
+    case Qt::Key_PageUp:
+        ev.code = KeyboardCode::kPageUp;
+        break;
+    case Qt::Key_PageDown:
+        ev.code = KeyboardCode::kPageDown;
+        break;
     default: {
         QString const text = inEvent.text();
         if (!text.isEmpty() && text.at(0).isPrint()) {
@@ -160,7 +199,8 @@ bool NodeEventFilter::eventFilter(QObject *inWatched, QEvent *inEvent)
     case QEvent::Enter:
         node = UI_Node::FromWidget(widget);
         break;
-    default: return false;
+    default:
+        return false;
     }
     if (!node) return false;
 
@@ -199,9 +239,8 @@ bool NodeEventFilter::HandleKey(QWidget *inWidget, QKeyEvent *inEvent)
     // (QWidget::isAncestorOf counts the widget itself, hence the first test.)
     // An address alone is not an identity: a new event may be made where the
     // last one lived, so the key, type, modifiers and time must match too.
-    const bool sameEvent = mLastKeyEvent == inEvent && mLastKey == inEvent->key() &&
-                           mLastKeyType == inEvent->type() && mLastKeyModifiers == inEvent->modifiers() &&
-                           mLastKeyTimestamp == inEvent->timestamp();
+    const bool sameEvent = mLastKeyEvent == inEvent && mLastKey == inEvent->key() && mLastKeyType == inEvent->type() &&
+                           mLastKeyModifiers == inEvent->modifiers() && mLastKeyTimestamp == inEvent->timestamp();
     if (sameEvent && mLastKeyWidget && mLastKeyWidget != inWidget && inWidget->isAncestorOf(mLastKeyWidget)) {
         // The same event travelling up after the focus widget ignored it.
         mLastKeyWidget = inWidget;
@@ -215,8 +254,7 @@ bool NodeEventFilter::HandleKey(QWidget *inWidget, QKeyEvent *inEvent)
     mLastKeyWidget = inWidget;
     KeyboardEvent const ev = TranslateKey(*inEvent);
     auto &manager = UI_NodeManager::Get();
-    if (ev.code != KeyboardCode::kTab || !ev.keyDown || mForwardingTab)
-        return manager.DispatchKeyboardEvent(node, ev);
+    if (ev.code != KeyboardCode::kTab || !ev.keyDown || mForwardingTab) return manager.DispatchKeyboardEvent(node, ev);
 
     // Tab: the pre-pass may take over focus moving; otherwise Qt moves the
     // focus first and the key then reaches the nodes from the newly focused
@@ -234,13 +272,19 @@ bool NodeEventFilter::HandleMouse(QWidget *inWidget, UI_Node *inNode, QMouseEven
 {
     MouseEvent ev;
     switch (inEvent->type()) {
-    case QEvent::MouseButtonPress: ev.type = MouseEvent::kDown; break;
+    case QEvent::MouseButtonPress:
+        ev.type = MouseEvent::kDown;
+        break;
     case QEvent::MouseButtonDblClick:
         ev.type = MouseEvent::kDown;
         ev.clickCount = 2;
         break;
-    case QEvent::MouseButtonRelease: ev.type = MouseEvent::kUp; break;
-    default: ev.type = MouseEvent::kMove; break;
+    case QEvent::MouseButtonRelease:
+        ev.type = MouseEvent::kUp;
+        break;
+    default:
+        ev.type = MouseEvent::kMove;
+        break;
     }
     ev.button = TranslateButton(inEvent->button());
     if (ev.type == MouseEvent::kMove && (inEvent->buttons() & Qt::LeftButton)) ev.button = 1;

@@ -49,8 +49,8 @@ void UI_Container::ChildInsert(int inIndex, kivcore::utility::IntrusivePtr<UI_No
 
 void UI_Container::ChildRemove(UI_Node *inChild)
 {
-    auto it = std::find_if(d->children.begin(), d->children.end(),
-                           [inChild](auto const &c) { return c.get() == inChild; });
+    auto it =
+        std::find_if(d->children.begin(), d->children.end(), [inChild](auto const &c) { return c.get() == inChild; });
     if (it == d->children.end()) return;
     kivcore::utility::IntrusivePtr<UI_Node> keep = *it;
     d->children.erase(it);
@@ -66,7 +66,8 @@ void UI_Container::DeleteChildren()
 {
     auto children = std::move(d->children);
     d->children.clear();
-    for (auto &child : children) child->d->parent = nullptr;
+    for (auto &child : children)
+        child->d->parent = nullptr;
     // Releasing here destroys every child nobody else holds, widgets included.
     for (auto &child : children) {
         if (child->RefCount() > 1) {

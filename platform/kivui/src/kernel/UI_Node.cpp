@@ -44,7 +44,8 @@ void NotifySubtreeChanged(UI_Node *inNode)
 {
     NodeKeepAlive keep(inNode);
     inNode->UI_NodeChanged();
-    for (int i = 0; i < inNode->UI_CountChildren(); ++i) NotifySubtreeChanged(inNode->UI_GetChild(i));
+    for (int i = 0; i < inNode->UI_CountChildren(); ++i)
+        NotifySubtreeChanged(inNode->UI_GetChild(i));
 }
 
 UI_Node::UI_Node() : UI_Node(nullptr) {}
@@ -89,7 +90,10 @@ UI_Node::~UI_Node()
     }
 }
 
-QWidget *UI_Node::UI_GetWidget() const { return d->widget.data(); }
+QWidget *UI_Node::UI_GetWidget() const
+{
+    return d->widget.data();
+}
 
 UI_Node *UI_Node::FromWidget(QWidget const *inWidget)
 {
@@ -113,7 +117,10 @@ void UI_Node::UI_SetNodeID(std::string inID)
     if (d->widget) d->widget->setObjectName(QString::fromStdString(d->id));
 }
 
-std::string const &UI_Node::UI_GetNodeID() const { return d->id; }
+std::string const &UI_Node::UI_GetNodeID() const
+{
+    return d->id;
+}
 
 UI_Node *UI_Node::UI_FindNodeByID(std::string const &inID)
 {
@@ -124,9 +131,15 @@ UI_Node *UI_Node::UI_FindNodeByID(std::string const &inID)
     return nullptr;
 }
 
-UI_Container *UI_Node::UI_GetParent() const { return d->parent; }
+UI_Container *UI_Node::UI_GetParent() const
+{
+    return d->parent;
+}
 
-int UI_Node::UI_CountChildren() const { return static_cast<int>(d->children.size()); }
+int UI_Node::UI_CountChildren() const
+{
+    return static_cast<int>(d->children.size());
+}
 
 UI_Node *UI_Node::UI_GetChild(int inIndex) const
 {
@@ -137,7 +150,8 @@ UI_Node *UI_Node::UI_GetChild(int inIndex) const
 UI_Node *UI_Node::UI_GetRoot()
 {
     UI_Node *node = this;
-    while (UI_Node *parent = node->UI_GetParent()) node = parent;
+    while (UI_Node *parent = node->UI_GetParent())
+        node = parent;
     return node;
 }
 
@@ -208,7 +222,8 @@ RectF UI_Node::UI_GetGlobalStructureRect() const
     }
     UI_Matrix const m = UI_GetSelfToSpecificParentMatrix(nullptr);
     UI_Node const *root = this;
-    while (root->UI_GetParent()) root = root->UI_GetParent();
+    while (root->UI_GetParent())
+        root = root->UI_GetParent();
     RectF const rootGlobal = root->UI_GetGlobalStructureRect();
     return m.TransformRect(UI_GetLocalRectF(false)).Offset(rootGlobal.x, rootGlobal.y);
 }
@@ -231,10 +246,22 @@ UI_Matrix UI_Node::UI_GetSelfToSpecificParentMatrix(UI_Node const *inParent) con
     return UI_Matrix{selfGlobal.x - parentGlobal.x, selfGlobal.y - parentGlobal.y};
 }
 
-void UI_Node::UI_SetLayoutBinding(LayoutBinding inBinding) { d->binding = inBinding; }
-LayoutBinding UI_Node::UI_GetLayoutBinding() const { return d->binding; }
-void UI_Node::UI_SetLayoutsChildren(bool inLayouts) { d->layoutsChildren = inLayouts; }
-bool UI_Node::UI_GetLayoutsChildren() const { return d->layoutsChildren; }
+void UI_Node::UI_SetLayoutBinding(LayoutBinding inBinding)
+{
+    d->binding = inBinding;
+}
+LayoutBinding UI_Node::UI_GetLayoutBinding() const
+{
+    return d->binding;
+}
+void UI_Node::UI_SetLayoutsChildren(bool inLayouts)
+{
+    d->layoutsChildren = inLayouts;
+}
+bool UI_Node::UI_GetLayoutsChildren() const
+{
+    return d->layoutsChildren;
+}
 
 void UI_Node::UI_Show(bool inShow)
 {
@@ -261,7 +288,10 @@ void UI_Node::UI_SetEnabled(bool inEnabled)
     UI_ApplyEnabled(inEnabled);
 }
 
-bool UI_Node::UI_IsEnabled() const { return d->enabled; }
+bool UI_Node::UI_IsEnabled() const
+{
+    return d->enabled;
+}
 
 void UI_Node::UI_ApplyEnabled(bool inEnabled)
 {
@@ -305,7 +335,10 @@ void UI_Node::UI_DeferRelease()
     QTimer::singleShot(0, qApp, [this] { Release(); });
 }
 
-void UI_Node::UI_LayoutChildren() { UI_ApplyChildBindings(d->layoutDelta); }
+void UI_Node::UI_LayoutChildren()
+{
+    UI_ApplyChildBindings(d->layoutDelta);
+}
 
 void UI_Node::UI_SizeChanged(PointF const &)
 {
@@ -314,12 +347,27 @@ void UI_Node::UI_SizeChanged(PointF const &)
 
 void UI_Node::UI_NodeChanged() {}
 void UI_Node::UI_Draw(drawbot::Drawbot &) {}
-bool UI_Node::UI_DoKeyboardEvent(UI_Node *, KeyboardEvent const &) { return false; }
-bool UI_Node::UI_DoPreKeyboardEvent(UI_Node *, KeyboardEvent const &) { return false; }
-bool UI_Node::UI_DoMouseEvent(MouseEvent const &) { return false; }
-bool UI_Node::UI_DoCursor(PointF const &) { return false; }
+bool UI_Node::UI_DoKeyboardEvent(UI_Node *, KeyboardEvent const &)
+{
+    return false;
+}
+bool UI_Node::UI_DoPreKeyboardEvent(UI_Node *, KeyboardEvent const &)
+{
+    return false;
+}
+bool UI_Node::UI_DoMouseEvent(MouseEvent const &)
+{
+    return false;
+}
+bool UI_Node::UI_DoCursor(PointF const &)
+{
+    return false;
+}
 
-PointF UI_Node::UI_GetLayoutDelta() const { return d->layoutDelta; }
+PointF UI_Node::UI_GetLayoutDelta() const
+{
+    return d->layoutDelta;
+}
 
 void UI_Node::UI_ApplyChildBindings(PointF const &inDelta)
 {

@@ -71,7 +71,10 @@ void UI_NodeManager::DispatchCaptureEvent(MouseEvent const &inEvent)
     }
 }
 
-InputCapture *UI_NodeManager::GetInputCapture() const { return d->capture.get(); }
+InputCapture *UI_NodeManager::GetInputCapture() const
+{
+    return d->capture.get();
+}
 
 void UI_NodeManager::SetCursor(QCursor const &inCursor)
 {

@@ -74,7 +74,8 @@ PrefManager *PrefManager::GetPrefManager()
 PrefManager *PrefManager::Create(QString const &organisation, QString const &application)
 {
     std::unique_ptr<PrefManager> manager(new PrefManager());
-    manager->d->settings = std::make_unique<QSettings>(QSettings::IniFormat, QSettings::UserScope, organisation, application);
+    manager->d->settings =
+        std::make_unique<QSettings>(QSettings::IniFormat, QSettings::UserScope, organisation, application);
     Instance() = std::move(manager);
     return Instance().get();
 }
@@ -155,7 +156,7 @@ kivcore::RectF PrefManager::GetWindowPositionAndSize(std::string const &nodeID) 
     // Stored as four numbers "x y width height"; anything else reads as none.
     QVariant const v = d->settings->value(WindowKey(nodeID));
     QStringList parts = v.typeId() == QMetaType::QStringList ? v.toStringList()
-                                                              : v.toString().split(QLatin1Char(' '), Qt::SkipEmptyParts);
+                                                             : v.toString().split(QLatin1Char(' '), Qt::SkipEmptyParts);
     if (parts.size() != 4) return {};
     float numbers[4];
     for (int i = 0; i < 4; ++i) {

@@ -41,9 +41,13 @@ QString OS_ResourceManager::PrefixForModuleFile(std::string const &filePath)
     QString name = QFileInfo(QString::fromStdString(filePath)).fileName();
     if (name.startsWith(QLatin1String("lib"))) name = name.mid(3);
     int const so = name.indexOf(QLatin1String(".so"));
-    if (so > 0) name.truncate(so);
-    else if (name.endsWith(QLatin1String(".dylib"), Qt::CaseInsensitive)) name.chop(6);
-    else if (name.endsWith(QLatin1String(".dll"), Qt::CaseInsensitive) || name.endsWith(QLatin1String(".exe"), Qt::CaseInsensitive)) name.chop(4);
+    if (so > 0)
+        name.truncate(so);
+    else if (name.endsWith(QLatin1String(".dylib"), Qt::CaseInsensitive))
+        name.chop(6);
+    else if (name.endsWith(QLatin1String(".dll"), Qt::CaseInsensitive) ||
+             name.endsWith(QLatin1String(".exe"), Qt::CaseInsensitive))
+        name.chop(4);
     if (name.isEmpty()) return {};
     return QStringLiteral(":/") + name + QLatin1Char('/');
 }
@@ -64,7 +68,8 @@ QByteArray OS_ResourceManager::GetResourceData(std::string_view relativePath) co
 bool OS_ResourceManager::HasResource(std::string_view relativePath) const
 {
     if (mPrefix.isEmpty()) return false;
-    return QFileInfo::exists(mPrefix + QString::fromUtf8(relativePath.data(), static_cast<qsizetype>(relativePath.size())));
+    return QFileInfo::exists(mPrefix +
+                             QString::fromUtf8(relativePath.data(), static_cast<qsizetype>(relativePath.size())));
 }
 
 } // namespace kivui::utility

@@ -57,15 +57,24 @@ QCursor ResourceManager::GetCursor(int number, int style) const
         if (!image.isNull()) return QCursor(QPixmap::fromImage(image));
     }
     switch (number) {
-    case 11: return QCursor(Qt::SplitVCursor);
-    case 12: return QCursor(Qt::SplitHCursor);
-    case 2: return QCursor(Qt::IBeamCursor);
-    case 3: return QCursor(Qt::PointingHandCursor);
-    case 4: return QCursor(Qt::SizeHorCursor);
-    case 5: return QCursor(Qt::SizeVerCursor);
-    case 6: return QCursor(Qt::WaitCursor);
-    case 7: return QCursor(Qt::ForbiddenCursor);
-    default: return QCursor(Qt::ArrowCursor);
+    case 11:
+        return QCursor(Qt::SplitVCursor);
+    case 12:
+        return QCursor(Qt::SplitHCursor);
+    case 2:
+        return QCursor(Qt::IBeamCursor);
+    case 3:
+        return QCursor(Qt::PointingHandCursor);
+    case 4:
+        return QCursor(Qt::SizeHorCursor);
+    case 5:
+        return QCursor(Qt::SizeVerCursor);
+    case 6:
+        return QCursor(Qt::WaitCursor);
+    case 7:
+        return QCursor(Qt::ForbiddenCursor);
+    default:
+        return QCursor(Qt::ArrowCursor);
     }
 }
 

@@ -55,7 +55,6 @@ namespace {
 
 constexpr char kAdoptedProperty[] = "kivSkinAdopted";
 
-
 struct State {
     SkinVersion version = SkinVersion::kV7;
     bool started = false;

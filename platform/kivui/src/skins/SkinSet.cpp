@@ -17,8 +17,10 @@ void SkinSet::AddSkinsToSet(std::map<std::string, std::string> const &skins)
 {
     for (auto const &[key, description] : skins) {
         auto it = std::find_if(mSkins.begin(), mSkins.end(), [&key](auto const &e) { return e.first == key; });
-        if (it != mSkins.end()) it->second = description;
-        else mSkins.emplace_back(key, description);
+        if (it != mSkins.end())
+            it->second = description;
+        else
+            mSkins.emplace_back(key, description);
     }
 }
 

@@ -71,9 +71,15 @@ int MultiColumnTreeModel::rowCount(QModelIndex const &inParent) const
     return RowFromIndex(inParent)->CountChildRows();
 }
 
-int MultiColumnTreeModel::columnCount(QModelIndex const &) const { return mColumnCount; }
+int MultiColumnTreeModel::columnCount(QModelIndex const &) const
+{
+    return mColumnCount;
+}
 
-bool MultiColumnTreeModel::hasChildren(QModelIndex const &inParent) const { return rowCount(inParent) > 0; }
+bool MultiColumnTreeModel::hasChildren(QModelIndex const &inParent) const
+{
+    return rowCount(inParent) > 0;
+}
 
 QVariant MultiColumnTreeModel::data(QModelIndex const &inIndex, int inRole) const
 {
@@ -182,11 +188,13 @@ void MultiColumnTreeModel::Sort(UI_MultiColumnTree::RowLess const &inLess)
     QModelIndexList const before = persistentIndexList();
     std::vector<std::pair<Row *, int>> rows;
     rows.reserve(static_cast<std::size_t>(before.size()));
-    for (QModelIndex const &index : before) rows.emplace_back(RowFromIndex(index), index.column());
+    for (QModelIndex const &index : before)
+        rows.emplace_back(RowFromIndex(index), index.column());
     SortChildren(mRoot, inLess);
     QModelIndexList after;
     after.reserve(before.size());
-    for (auto const &[row, column] : rows) after.append(IndexForRow(row, column));
+    for (auto const &[row, column] : rows)
+        after.append(IndexForRow(row, column));
     changePersistentIndexList(before, after);
     emit layoutChanged();
 }
@@ -204,8 +212,7 @@ CellHost::CellHost(Row &inRow, QWidget *inParent) : QWidget(inParent), mRow(inRo
 void CellHost::resizeEvent(QResizeEvent *inEvent)
 {
     QWidget::resizeEvent(inEvent);
-    if (mRow.mCellView && mRow.mCellView->UI_GetWidget() &&
-        mRow.mCellView->UI_GetWidget()->parentWidget() == this) {
+    if (mRow.mCellView && mRow.mCellView->UI_GetWidget() && mRow.mCellView->UI_GetWidget()->parentWidget() == this) {
         mRow.mCellView->UI_SetLocalRectF(RectF{0.0f, 0.0f, float(width()), float(height())});
     }
 }

@@ -13,10 +13,10 @@
 
 namespace kivui {
 
-using kivcore::PointF;
-using kivcore::RectF;
 using detail::Row;
 using detail::ToQString;
+using kivcore::PointF;
+using kivcore::RectF;
 using RowPtr = UI_MultiColumnTree::RowPtr;
 
 namespace {
@@ -40,7 +40,8 @@ void CollectOpened(Row const &inParent, std::vector<RowPtr> &ioRows)
 std::vector<int> DisplayKey(Row const *inRow)
 {
     std::vector<int> key;
-    for (Row const *r = inRow; r && r->GetTree(); r = r->GetParentRow().get()) key.push_back(r->GetIndexInParent());
+    for (Row const *r = inRow; r && r->GetTree(); r = r->GetParentRow().get())
+        key.push_back(r->GetIndexInParent());
     std::reverse(key.begin(), key.end());
     return key;
 }
@@ -69,7 +70,8 @@ UI_MultiColumnTreeRow::IntrusivePtr UI_MultiColumnTreeRow::GetChildRow(int inInd
 int UI_MultiColumnTreeRow::GetDepth() const
 {
     int depth = 0;
-    for (auto p = GetParentRow(); p; p = p->GetParentRow()) ++depth;
+    for (auto p = GetParentRow(); p; p = p->GetParentRow())
+        ++depth;
     return depth;
 }
 
@@ -81,12 +83,17 @@ void UI_MultiColumnTreeRow::SetCellView(kivcore::utility::IntrusivePtr<UI_SubVie
     if (mTree) mTree->d->CellViewChanged(*this, old);
 }
 
-kivcore::utility::IntrusivePtr<UI_SubView> UI_MultiColumnTreeRow::GetCellView() const { return mCellView; }
+kivcore::utility::IntrusivePtr<UI_SubView> UI_MultiColumnTreeRow::GetCellView() const
+{
+    return mCellView;
+}
 
 void UI_MultiColumnTreeRow::SetOpened(bool inOpened)
 {
-    if (mTree) mTree->OpenRow(IntrusivePtr(this), inOpened);
-    else mOpened = inOpened;
+    if (mTree)
+        mTree->OpenRow(IntrusivePtr(this), inOpened);
+    else
+        mOpened = inOpened;
 }
 
 void UI_MultiColumnTreeRow::SetHeight(float inHeight)
@@ -169,7 +176,8 @@ void UI_MultiColumnTree::Private::Sync()
             QRect const rect = view->visualRect(model->IndexForRow(r));
             if (!rect.isValid() || rect.bottom() < -height || rect.top() > 2 * height) drop.push_back(r);
         }
-        for (Row *r : drop) Unplace(*r);
+        for (Row *r : drop)
+            Unplace(*r);
     }
     syncing = false;
 }
@@ -210,7 +218,8 @@ void UI_MultiColumnTree::Private::Unplace(Row &inRow)
 
 void UI_MultiColumnTree::Private::Forget(Row &inRow, bool inDetachCells)
 {
-    for (auto const &child : inRow.mChildren) Forget(*child, inDetachCells);
+    for (auto const &child : inRow.mChildren)
+        Forget(*child, inDetachCells);
     Unplace(inRow);
     if (inDetachCells && inRow.mCellView) tree.ChildRemove(inRow.mCellView.get());
     if (inRow.mHeight > 0.0f) --customHeightRows;
@@ -234,8 +243,10 @@ void UI_MultiColumnTree::Private::CellViewChanged(Row &inRow, kivcore::utility::
         cell->setParent(parking);
     }
     bool const shown = std::any_of(visible.begin(), visible.end(), [&](RowPtr const &r) { return r.get() == &inRow; });
-    if (shown) Place(inRow);
-    else model->RowChanged(inRow);
+    if (shown)
+        Place(inRow);
+    else
+        model->RowChanged(inRow);
 }
 
 void UI_MultiColumnTree::Private::HeightChanged(Row &inRow, float inOld)
@@ -285,10 +296,19 @@ UI_MultiColumnTree::~UI_MultiColumnTree()
     delete d->model; // its connections go with it
 }
 
-QTreeView *UI_MultiColumnTree::GetTreeView() const { return d->view; }
+QTreeView *UI_MultiColumnTree::GetTreeView() const
+{
+    return d->view;
+}
 
-void UI_MultiColumnTree::SetColumnCount(int inCount) { d->model->SetColumnCount(std::max(1, inCount)); }
-int UI_MultiColumnTree::GetColumnCount() const { return d->model->columnCount(); }
+void UI_MultiColumnTree::SetColumnCount(int inCount)
+{
+    d->model->SetColumnCount(std::max(1, inCount));
+}
+int UI_MultiColumnTree::GetColumnCount() const
+{
+    return d->model->columnCount();
+}
 
 void UI_MultiColumnTree::SetColumnHeader(int inColumn, std::u16string inText)
 {
@@ -300,14 +320,38 @@ std::u16string UI_MultiColumnTree::GetColumnHeader(int inColumn) const
     return d->model->Header(inColumn).toStdU16String();
 }
 
-void UI_MultiColumnTree::SetShowHeader(bool inShow) { d->view->setHeaderHidden(!inShow); }
-bool UI_MultiColumnTree::IsHeaderShown() const { return !d->view->isHeaderHidden(); }
-void UI_MultiColumnTree::SetGridLines(bool inGridLines) { d->view->SetGridLines(inGridLines); }
-bool UI_MultiColumnTree::HasGridLines() const { return d->view->HasGridLines(); }
-void UI_MultiColumnTree::SetSortIndicatorShown(bool inShown) { d->view->header()->setSortIndicatorShown(inShown); }
-bool UI_MultiColumnTree::IsSortIndicatorShown() const { return d->view->header()->isSortIndicatorShown(); }
-void UI_MultiColumnTree::SetColumnsMovable(bool inMovable) { d->view->header()->setSectionsMovable(inMovable); }
-bool UI_MultiColumnTree::AreColumnsMovable() const { return d->view->header()->sectionsMovable(); }
+void UI_MultiColumnTree::SetShowHeader(bool inShow)
+{
+    d->view->setHeaderHidden(!inShow);
+}
+bool UI_MultiColumnTree::IsHeaderShown() const
+{
+    return !d->view->isHeaderHidden();
+}
+void UI_MultiColumnTree::SetGridLines(bool inGridLines)
+{
+    d->view->SetGridLines(inGridLines);
+}
+bool UI_MultiColumnTree::HasGridLines() const
+{
+    return d->view->HasGridLines();
+}
+void UI_MultiColumnTree::SetSortIndicatorShown(bool inShown)
+{
+    d->view->header()->setSortIndicatorShown(inShown);
+}
+bool UI_MultiColumnTree::IsSortIndicatorShown() const
+{
+    return d->view->header()->isSortIndicatorShown();
+}
+void UI_MultiColumnTree::SetColumnsMovable(bool inMovable)
+{
+    d->view->header()->setSectionsMovable(inMovable);
+}
+bool UI_MultiColumnTree::AreColumnsMovable() const
+{
+    return d->view->header()->sectionsMovable();
+}
 
 void UI_MultiColumnTree::SetColumnsAutoResize(bool inAutoResize)
 {
@@ -315,7 +359,10 @@ void UI_MultiColumnTree::SetColumnsAutoResize(bool inAutoResize)
     d->view->header()->setStretchLastSection(inAutoResize);
 }
 
-bool UI_MultiColumnTree::AreColumnsAutoResize() const { return d->autoResize; }
+bool UI_MultiColumnTree::AreColumnsAutoResize() const
+{
+    return d->autoResize;
+}
 
 void UI_MultiColumnTree::SetColumnWidth(int inColumn, float inWidth)
 {
@@ -343,7 +390,10 @@ void UI_MultiColumnTree::SetDefaultRowHeight(float inHeight)
     d->view->ScheduleLayout();
 }
 
-float UI_MultiColumnTree::GetDefaultRowHeight() const { return d->defaultRowHeight; }
+float UI_MultiColumnTree::GetDefaultRowHeight() const
+{
+    return d->defaultRowHeight;
+}
 
 RowPtr UI_MultiColumnTree::AppendRow(RowPtr const &inParent)
 {
@@ -374,7 +424,8 @@ std::vector<RowPtr> UI_MultiColumnTree::AppendRows(RowPtr const &inParent, int i
     Row *parent = inParent ? inParent.get() : d->root.get();
     std::vector<RowPtr> rows;
     rows.reserve(static_cast<std::size_t>(inCount));
-    for (int i = 0; i < inCount; ++i) rows.emplace_back(new Row);
+    for (int i = 0; i < inCount; ++i)
+        rows.emplace_back(new Row);
     d->model->Append(*parent, rows);
     if (parent != d->root.get() && parent->mOpened) {
         QModelIndex const index = d->model->IndexForRow(parent);
@@ -397,7 +448,8 @@ void UI_MultiColumnTree::RemoveRow(RowPtr const &inRow)
 
 void UI_MultiColumnTree::DeleteAllRows()
 {
-    for (auto const &row : d->root->mChildren) d->Forget(*row, true);
+    for (auto const &row : d->root->mChildren)
+        d->Forget(*row, true);
     d->model->RemoveAll();
     d->customHeightRows = 0;
     d->view->setUniformRowHeights(true);
@@ -405,8 +457,14 @@ void UI_MultiColumnTree::DeleteAllRows()
     d->placed.clear();
 }
 
-int UI_MultiColumnTree::CountRows() const { return d->root->CountChildRows(); }
-RowPtr UI_MultiColumnTree::GetRow(int inIndex) const { return d->root->GetChildRow(inIndex); }
+int UI_MultiColumnTree::CountRows() const
+{
+    return d->root->CountChildRows();
+}
+RowPtr UI_MultiColumnTree::GetRow(int inIndex) const
+{
+    return d->root->GetChildRow(inIndex);
+}
 
 void UI_MultiColumnTree::OpenRow(RowPtr const &inRow, bool inOpen)
 {
@@ -428,7 +486,8 @@ std::vector<RowPtr> UI_MultiColumnTree::GetOpenedRows() const
 float UI_MultiColumnTree::GetFullOpenedRowsHeight() const
 {
     float height = 0.0f;
-    for (auto const &row : GetOpenedRows()) height += row->GetEffectiveHeight();
+    for (auto const &row : GetOpenedRows())
+        height += row->GetEffectiveHeight();
     return height;
 }
 
@@ -459,7 +518,8 @@ RectF UI_MultiColumnTree::GetRowRect(RowPtr const &inRow) const
 
 RowPtr UI_MultiColumnTree::GetRowAtPoint(PointF const &inPoint) const
 {
-    QPoint const p = d->view->viewport()->mapFrom(d->view, QPoint(int(std::floor(inPoint.x)), int(std::floor(inPoint.y))));
+    QPoint const p =
+        d->view->viewport()->mapFrom(d->view, QPoint(int(std::floor(inPoint.x)), int(std::floor(inPoint.y))));
     QModelIndex const index = d->view->indexAt(p);
     if (!index.isValid()) return {};
     return RowPtr(d->model->RowFromIndex(index));
@@ -474,18 +534,27 @@ void UI_MultiColumnTree::Layout()
 void UI_MultiColumnTree::SetSelectionMode(SelectionMode inMode)
 {
     switch (inMode) {
-    case SelectionMode::kNone: d->view->setSelectionMode(QAbstractItemView::NoSelection); break;
-    case SelectionMode::kSingle: d->view->setSelectionMode(QAbstractItemView::SingleSelection); break;
-    case SelectionMode::kMultiple: d->view->setSelectionMode(QAbstractItemView::ExtendedSelection); break;
+    case SelectionMode::kNone:
+        d->view->setSelectionMode(QAbstractItemView::NoSelection);
+        break;
+    case SelectionMode::kSingle:
+        d->view->setSelectionMode(QAbstractItemView::SingleSelection);
+        break;
+    case SelectionMode::kMultiple:
+        d->view->setSelectionMode(QAbstractItemView::ExtendedSelection);
+        break;
     }
 }
 
 UI_MultiColumnTree::SelectionMode UI_MultiColumnTree::GetSelectionMode() const
 {
     switch (d->view->selectionMode()) {
-    case QAbstractItemView::NoSelection: return SelectionMode::kNone;
-    case QAbstractItemView::SingleSelection: return SelectionMode::kSingle;
-    default: return SelectionMode::kMultiple;
+    case QAbstractItemView::NoSelection:
+        return SelectionMode::kNone;
+    case QAbstractItemView::SingleSelection:
+        return SelectionMode::kSingle;
+    default:
+        return SelectionMode::kMultiple;
     }
 }
 
@@ -495,16 +564,24 @@ void UI_MultiColumnTree::SelectRow(RowPtr const &inRow, bool inSelect)
     SelectionMode const mode = GetSelectionMode();
     if (mode == SelectionMode::kNone && inSelect) return;
     QItemSelectionModel::SelectionFlags flags = QItemSelectionModel::Rows;
-    if (!inSelect) flags |= QItemSelectionModel::Deselect;
-    else if (mode == SelectionMode::kSingle) flags |= QItemSelectionModel::ClearAndSelect;
-    else flags |= QItemSelectionModel::Select;
+    if (!inSelect)
+        flags |= QItemSelectionModel::Deselect;
+    else if (mode == SelectionMode::kSingle)
+        flags |= QItemSelectionModel::ClearAndSelect;
+    else
+        flags |= QItemSelectionModel::Select;
     QModelIndex const index = d->model->IndexForRow(inRow.get());
     // A selected row is also where the arrow keys continue from.
-    if (inSelect) d->view->selectionModel()->setCurrentIndex(index, flags);
-    else d->view->selectionModel()->select(index, flags);
+    if (inSelect)
+        d->view->selectionModel()->setCurrentIndex(index, flags);
+    else
+        d->view->selectionModel()->select(index, flags);
 }
 
-void UI_MultiColumnTree::ClearSelection() { d->view->selectionModel()->clearSelection(); }
+void UI_MultiColumnTree::ClearSelection()
+{
+    d->view->selectionModel()->clearSelection();
+}
 
 std::vector<RowPtr> UI_MultiColumnTree::GetSelectedRows() const
 {
@@ -516,7 +593,8 @@ std::vector<RowPtr> UI_MultiColumnTree::GetSelectedRows() const
     std::sort(keyed.begin(), keyed.end(), [](auto const &a, auto const &b) { return a.first < b.first; });
     std::vector<RowPtr> rows;
     rows.reserve(keyed.size());
-    for (auto &entry : keyed) rows.push_back(std::move(entry.second));
+    for (auto &entry : keyed)
+        rows.push_back(std::move(entry.second));
     return rows;
 }
 
@@ -532,8 +610,14 @@ void UI_MultiColumnTree::SetRowVisibilityChangedFxn(RowVisibilityChangedFxn inFx
     d->view->RequestSync();
 }
 
-void UI_MultiColumnTree::SetRowDisclosureChangedFxn(RowDisclosureChangedFxn inFxn) { d->disclosureFxn = std::move(inFxn); }
-void UI_MultiColumnTree::SetSelectionChangedFxn(SelectionChangedFxn inFxn) { d->selectionFxn = std::move(inFxn); }
+void UI_MultiColumnTree::SetRowDisclosureChangedFxn(RowDisclosureChangedFxn inFxn)
+{
+    d->disclosureFxn = std::move(inFxn);
+}
+void UI_MultiColumnTree::SetSelectionChangedFxn(SelectionChangedFxn inFxn)
+{
+    d->selectionFxn = std::move(inFxn);
+}
 
 void UI_MultiColumnTree::SetIsQuiet(bool inQuiet)
 {
@@ -543,9 +627,18 @@ void UI_MultiColumnTree::SetIsQuiet(bool inQuiet)
     if (!inQuiet) d->view->RequestSync();
 }
 
-bool UI_MultiColumnTree::IsQuiet() const { return d->quiet; }
+bool UI_MultiColumnTree::IsQuiet() const
+{
+    return d->quiet;
+}
 
-std::vector<RowPtr> UI_MultiColumnTree::GetVisibleRows() const { return d->visible; }
-int UI_MultiColumnTree::CountPlacedCellViews() const { return static_cast<int>(d->placed.size()); }
+std::vector<RowPtr> UI_MultiColumnTree::GetVisibleRows() const
+{
+    return d->visible;
+}
+int UI_MultiColumnTree::CountPlacedCellViews() const
+{
+    return static_cast<int>(d->placed.size());
+}
 
 } // namespace kivui

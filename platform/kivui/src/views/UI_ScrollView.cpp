@@ -61,7 +61,10 @@ UI_ScrollView::~UI_ScrollView()
     if (QWidget *content = d->area->takeWidget()) content->setParent(d->area);
 }
 
-kivcore::utility::IntrusivePtr<UI_SubView> UI_ScrollView::GetContentView() const { return d->content; }
+kivcore::utility::IntrusivePtr<UI_SubView> UI_ScrollView::GetContentView() const
+{
+    return d->content;
+}
 
 void UI_ScrollView::SetContentRect(RectF const &inRect)
 {
@@ -69,7 +72,10 @@ void UI_ScrollView::SetContentRect(RectF const &inRect)
     Update();
 }
 
-RectF UI_ScrollView::GetContentRect() const { return d->contentRect; }
+RectF UI_ScrollView::GetContentRect() const
+{
+    return d->contentRect;
+}
 
 void UI_ScrollView::Update()
 {
@@ -144,6 +150,9 @@ void UI_ScrollView::SetContentFollowsWidth(bool inFollows)
     FollowViewportWidth(false);
 }
 
-bool UI_ScrollView::GetContentFollowsWidth() const { return d->followsWidth; }
+bool UI_ScrollView::GetContentFollowsWidth() const
+{
+    return d->followsWidth;
+}
 
 } // namespace kivui

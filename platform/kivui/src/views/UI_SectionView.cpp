@@ -40,7 +40,10 @@ UI_SectionView::UI_SectionView() : d(std::make_unique<Private>())
 
 UI_SectionView::~UI_SectionView() = default;
 
-kivcore::utility::IntrusivePtr<UI_SubView> UI_SectionView::GetContentView() const { return d->content; }
+kivcore::utility::IntrusivePtr<UI_SubView> UI_SectionView::GetContentView() const
+{
+    return d->content;
+}
 
 PointF UI_SectionView::FrameSizeForContentSize(PointF const &inContentSize) const
 {
@@ -54,7 +57,10 @@ void UI_SectionView::SetOpened(bool inOpened)
     DoSetOpened(inOpened);
 }
 
-bool UI_SectionView::IsOpened() const { return d->opened; }
+bool UI_SectionView::IsOpened() const
+{
+    return d->opened;
+}
 
 void UI_SectionView::DoSetOpened(bool inOpened)
 {
@@ -71,7 +77,10 @@ void UI_SectionView::SetHeaderText(std::u16string inText)
     UI_Invalidate();
 }
 
-std::u16string const &UI_SectionView::GetHeaderText() const { return d->headerText; }
+std::u16string const &UI_SectionView::GetHeaderText() const
+{
+    return d->headerText;
+}
 
 void UI_SectionView::SetHeaderHeight(float inHeight)
 {
@@ -80,7 +89,10 @@ void UI_SectionView::SetHeaderHeight(float inHeight)
     UI_Invalidate();
 }
 
-float UI_SectionView::GetHeaderHeight() const { return d->headerHeight; }
+float UI_SectionView::GetHeaderHeight() const
+{
+    return d->headerHeight;
+}
 
 RectF UI_SectionView::GetHeaderRect() const
 {
@@ -101,7 +113,10 @@ void UI_SectionView::AlignDisclosureButtonRect(RectF &ioRect) const
     ioRect.y = std::floor((d->headerHeight - ioRect.height) * 0.5f);
 }
 
-void UI_SectionView::SetOpenedChangedFxn(OpenedChangedFxn inFxn) { d->openedChanged = std::move(inFxn); }
+void UI_SectionView::SetOpenedChangedFxn(OpenedChangedFxn inFxn)
+{
+    d->openedChanged = std::move(inFxn);
+}
 
 void UI_SectionView::LayoutContent()
 {
@@ -145,7 +160,8 @@ void UI_SectionView::UI_Draw(drawbot::Drawbot &drawbot)
         painter->restore();
     }
     float const textLeft = tri.Right() + kHeaderPadding;
-    drawbot.DrawText(d->headerText, RectF{textLeft, header.y, std::max(0.0f, header.Right() - textLeft - kHeaderPadding), header.height});
+    drawbot.DrawText(d->headerText, RectF{textLeft, header.y,
+                                          std::max(0.0f, header.Right() - textLeft - kHeaderPadding), header.height});
 }
 
 bool UI_SectionView::UI_DoMouseEvent(MouseEvent const &event)

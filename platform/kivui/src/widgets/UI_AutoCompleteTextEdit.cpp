@@ -34,12 +34,19 @@ void UI_AutoCompleteTextEdit::SetEntryList(std::vector<std::u16string> const &in
     if (inEntries.empty() && !mCompleter) return;
     QStringList list;
     list.reserve(int(inEntries.size()));
-    for (auto const &e : inEntries) list.push_back(QString::fromStdU16String(e));
+    for (auto const &e : inEntries)
+        list.push_back(QString::fromStdU16String(e));
     static_cast<QStringListModel *>(EnsureCompleter()->model())->setStringList(list);
 }
 
-std::vector<std::u16string> const &UI_AutoCompleteTextEdit::GetEntryList() const { return mEntries; }
+std::vector<std::u16string> const &UI_AutoCompleteTextEdit::GetEntryList() const
+{
+    return mEntries;
+}
 
-QCompleter *UI_AutoCompleteTextEdit::GetCompleter() const { return EnsureCompleter(); }
+QCompleter *UI_AutoCompleteTextEdit::GetCompleter() const
+{
+    return EnsureCompleter();
+}
 
 } // namespace kivui

@@ -42,7 +42,10 @@ UI_PictureButton::UI_PictureButton() : UI_ControlView(new QToolButton)
 
 UI_PictureButton::~UI_PictureButton() = default;
 
-QToolButton *UI_PictureButton::GetButton() const { return mButton; }
+QToolButton *UI_PictureButton::GetButton() const
+{
+    return mButton;
+}
 
 void UI_PictureButton::SetImages(QIcon const &inOff, QIcon const &inOn)
 {
@@ -51,8 +54,14 @@ void UI_PictureButton::SetImages(QIcon const &inOff, QIcon const &inOn)
     ShowImage();
 }
 
-void UI_PictureButton::SetToggles(bool inToggles) { mButton->setCheckable(inToggles); }
-bool UI_PictureButton::GetToggles() const { return mButton->isCheckable(); }
+void UI_PictureButton::SetToggles(bool inToggles)
+{
+    mButton->setCheckable(inToggles);
+}
+bool UI_PictureButton::GetToggles() const
+{
+    return mButton->isCheckable();
+}
 
 void UI_PictureButton::SetOn(bool inOn)
 {
@@ -61,7 +70,10 @@ void UI_PictureButton::SetOn(bool inOn)
     ShowImage();
 }
 
-bool UI_PictureButton::IsOn() const { return mButton->isChecked(); }
+bool UI_PictureButton::IsOn() const
+{
+    return mButton->isChecked();
+}
 
 void UI_PictureButton::ShowImage()
 {
@@ -99,7 +111,10 @@ int UI_RadioGroup::AddButton(std::u16string const &inText, std::u16string const 
     return index;
 }
 
-int UI_RadioGroup::CountButtons() const { return int(mGroup->buttons().size()); }
+int UI_RadioGroup::CountButtons() const
+{
+    return int(mGroup->buttons().size());
+}
 
 void UI_RadioGroup::SetValue(int inIndex)
 {
@@ -109,13 +124,20 @@ void UI_RadioGroup::SetValue(int inIndex)
     }
     // An exclusive group refuses to uncheck its last button.
     mGroup->setExclusive(false);
-    for (QAbstractButton *b : mGroup->buttons()) b->setChecked(false);
+    for (QAbstractButton *b : mGroup->buttons())
+        b->setChecked(false);
     mGroup->setExclusive(true);
 }
 
-int UI_RadioGroup::GetValue() const { return mGroup->checkedId(); }
+int UI_RadioGroup::GetValue() const
+{
+    return mGroup->checkedId();
+}
 
-QRadioButton *UI_RadioGroup::GetButton(int inIndex) const { return qobject_cast<QRadioButton *>(mGroup->button(inIndex)); }
+QRadioButton *UI_RadioGroup::GetButton(int inIndex) const
+{
+    return qobject_cast<QRadioButton *>(mGroup->button(inIndex));
+}
 
 void UI_RadioGroup::FitToButtons()
 {
@@ -141,7 +163,10 @@ UI_TextButton::UI_TextButton(std::u16string const &inText) : UI_ControlView(new 
 
 UI_TextButton::~UI_TextButton() = default;
 
-QPushButton *UI_TextButton::GetButton() const { return static_cast<QPushButton *>(UI_GetWidget()); }
+QPushButton *UI_TextButton::GetButton() const
+{
+    return static_cast<QPushButton *>(UI_GetWidget());
+}
 
 void UI_TextButton::SetText(std::u16string const &inText)
 {
@@ -149,9 +174,15 @@ void UI_TextButton::SetText(std::u16string const &inText)
     SizeToHint(*this, GetButton());
 }
 
-std::u16string UI_TextButton::GetText() const { return GetButton()->text().toStdU16String(); }
+std::u16string UI_TextButton::GetText() const
+{
+    return GetButton()->text().toStdU16String();
+}
 
-void UI_TextButton::SetDefault(bool inDefault) { GetButton()->setDefault(inDefault); }
+void UI_TextButton::SetDefault(bool inDefault)
+{
+    GetButton()->setDefault(inDefault);
+}
 
 // --- UI_Divider -------------------------------------------------------------
 
@@ -166,6 +197,9 @@ UI_Divider::UI_Divider(bool inVertical) : UI_SubView(new QFrame), mVertical(inVe
 
 UI_Divider::~UI_Divider() = default;
 
-bool UI_Divider::IsVertical() const { return mVertical; }
+bool UI_Divider::IsVertical() const
+{
+    return mVertical;
+}
 
 } // namespace kivui

@@ -12,10 +12,7 @@ namespace {
 // program's to set.
 class CheckBoxWidget : public QCheckBox {
 protected:
-    void nextCheckState() override
-    {
-        setCheckState(checkState() == Qt::Checked ? Qt::Unchecked : Qt::Checked);
-    }
+    void nextCheckState() override { setCheckState(checkState() == Qt::Checked ? Qt::Unchecked : Qt::Checked); }
 };
 
 } // namespace
@@ -44,41 +41,55 @@ UI_Checkbox::UI_Checkbox(std::u16string const &inText)
 
 UI_Checkbox::~UI_Checkbox() = default;
 
-QCheckBox *UI_Checkbox::GetCheckBox() const { return d->box; }
+QCheckBox *UI_Checkbox::GetCheckBox() const
+{
+    return d->box;
+}
 
 UI_Checkbox::CheckboxValue UI_Checkbox::GetValue() const
 {
     switch (d->box->checkState()) {
-    case Qt::Checked: return kChecked;
-    case Qt::PartiallyChecked: return kMixed;
-    default: return kUnchecked;
+    case Qt::Checked:
+        return kChecked;
+    case Qt::PartiallyChecked:
+        return kMixed;
+    default:
+        return kUnchecked;
     }
 }
 
 void UI_Checkbox::SetValue(CheckboxValue inValue)
 {
     d->setting = true;
-    d->box->setCheckState(inValue == kChecked ? Qt::Checked
-                          : inValue == kMixed ? Qt::PartiallyChecked
-                                              : Qt::Unchecked);
+    d->box->setCheckState(inValue == kChecked ? Qt::Checked : inValue == kMixed ? Qt::PartiallyChecked : Qt::Unchecked);
     d->setting = false;
     UI_ControlView::SetValueUnknown(inValue == kMixed);
 }
 
-bool UI_Checkbox::IsChecked() const { return d->box->checkState() == Qt::Checked; }
+bool UI_Checkbox::IsChecked() const
+{
+    return d->box->checkState() == Qt::Checked;
+}
 
 void UI_Checkbox::SetValueUnknown(bool inUnknown)
 {
-    if (inUnknown) SetValue(kMixed);
+    if (inUnknown)
+        SetValue(kMixed);
     else {
         UI_ControlView::SetValueUnknown(false);
         if (GetValue() == kMixed) SetValue(kUnchecked);
     }
 }
 
-void UI_Checkbox::SetText(std::u16string const &inText) { d->box->setText(QString::fromStdU16String(inText)); }
+void UI_Checkbox::SetText(std::u16string const &inText)
+{
+    d->box->setText(QString::fromStdU16String(inText));
+}
 
-std::u16string UI_Checkbox::GetText() const { return d->box->text().toStdU16String(); }
+std::u16string UI_Checkbox::GetText() const
+{
+    return d->box->text().toStdU16String();
+}
 
 float UI_Checkbox::DefaultCheckSize()
 {

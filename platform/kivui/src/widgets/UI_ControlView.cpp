@@ -16,9 +16,15 @@ UI_ControlView::UI_ControlView() : d(std::make_unique<Private>()) {}
 UI_ControlView::UI_ControlView(QWidget *inWidget) : UI_SubView(inWidget), d(std::make_unique<Private>()) {}
 UI_ControlView::~UI_ControlView() = default;
 
-bool UI_ControlView::IsValueUnknown() const { return d->unknown; }
+bool UI_ControlView::IsValueUnknown() const
+{
+    return d->unknown;
+}
 
-void UI_ControlView::SetValueUnknown(bool inUnknown) { d->unknown = inUnknown; }
+void UI_ControlView::SetValueUnknown(bool inUnknown)
+{
+    d->unknown = inUnknown;
+}
 
 void UI_ControlView::SetDisabled(bool inDisabled)
 {
@@ -26,7 +32,10 @@ void UI_ControlView::SetDisabled(bool inDisabled)
     UpdateEnabledState();
 }
 
-bool UI_ControlView::IsDisabled() const { return d->disabled; }
+bool UI_ControlView::IsDisabled() const
+{
+    return d->disabled;
+}
 
 void UI_ControlView::SetToolTip(std::u16string const &inToolTip)
 {
@@ -70,7 +79,10 @@ void UI_ControlView::Broadcast(std::vector<MessageHandler> const &inHandlers, Me
     }
 }
 
-void UI_ControlView::UpdateEnabledState() { UI_ApplyEnabled(UI_IsEnabled()); }
+void UI_ControlView::UpdateEnabledState()
+{
+    UI_ApplyEnabled(UI_IsEnabled());
+}
 
 void UI_ControlView::UI_ApplyEnabled(bool inEnabled)
 {

@@ -61,7 +61,10 @@ void UI_DragableTextEdit::SetLineCount(int inLines)
     PlaceEditor();
 }
 
-int UI_DragableTextEdit::GetLineCount() const { return mLines; }
+int UI_DragableTextEdit::GetLineCount() const
+{
+    return mLines;
+}
 
 void UI_DragableTextEdit::SetSizeChangedFxn(std::shared_ptr<std::function<void()>> inFxn)
 {

@@ -13,7 +13,10 @@ namespace kivui {
 namespace {
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
-bool SameNumber(double a, double b) { return (std::isnan(a) && std::isnan(b)) || a == b; }
+bool SameNumber(double a, double b)
+{
+    return (std::isnan(a) && std::isnan(b)) || a == b;
+}
 } // namespace
 
 // The line edit of a hot-text number: drags change the number while the
@@ -79,9 +82,14 @@ protected:
             mOwner->CommitTyping();
             selectAll();
             return;
-        case Qt::Key_Up: mOwner->Step(1); return;
-        case Qt::Key_Down: mOwner->Step(-1); return;
-        default: QLineEdit::keyPressEvent(inEvent);
+        case Qt::Key_Up:
+            mOwner->Step(1);
+            return;
+        case Qt::Key_Down:
+            mOwner->Step(-1);
+            return;
+        default:
+            QLineEdit::keyPressEvent(inEvent);
         }
     }
 
@@ -107,7 +115,8 @@ struct UI_HotTextNumber::Private {
     double valueAtBegin = 0.0;
 };
 
-UI_HotTextNumber::UI_HotTextNumber() : UI_InteractiveControlView(new HotTextLineEdit(this)), d(std::make_unique<Private>())
+UI_HotTextNumber::UI_HotTextNumber()
+    : UI_InteractiveControlView(new HotTextLineEdit(this)), d(std::make_unique<Private>())
 {
     d->edit = static_cast<QLineEdit *>(UI_GetWidget());
     d->edit->setProperty("kivuiClass", QStringLiteral("UI_HotTextNumber"));
@@ -125,7 +134,10 @@ UI_HotTextNumber::UI_HotTextNumber() : UI_InteractiveControlView(new HotTextLine
 
 UI_HotTextNumber::~UI_HotTextNumber() = default;
 
-QLineEdit *UI_HotTextNumber::GetLineEdit() const { return d->edit; }
+QLineEdit *UI_HotTextNumber::GetLineEdit() const
+{
+    return d->edit;
+}
 
 void UI_HotTextNumber::SetValue(double inValue)
 {
@@ -135,7 +147,10 @@ void UI_HotTextNumber::SetValue(double inValue)
     ShowValue();
 }
 
-double UI_HotTextNumber::GetValue() const { return IsValueUnknown() ? kNaN : d->value; }
+double UI_HotTextNumber::GetValue() const
+{
+    return IsValueUnknown() ? kNaN : d->value;
+}
 
 void UI_HotTextNumber::SetDecimalPlaces(int inPlaces)
 {
@@ -143,9 +158,18 @@ void UI_HotTextNumber::SetDecimalPlaces(int inPlaces)
     ShowValue();
 }
 
-int UI_HotTextNumber::GetDecimalPlaces() const { return d->places; }
-void UI_HotTextNumber::SetIncrement(double inIncrement) { d->increment = inIncrement; }
-double UI_HotTextNumber::GetIncrement() const { return d->increment; }
+int UI_HotTextNumber::GetDecimalPlaces() const
+{
+    return d->places;
+}
+void UI_HotTextNumber::SetIncrement(double inIncrement)
+{
+    d->increment = inIncrement;
+}
+double UI_HotTextNumber::GetIncrement() const
+{
+    return d->increment;
+}
 
 void UI_HotTextNumber::SetMinMax(std::optional<double> inMin, std::optional<double> inMax)
 {
@@ -155,12 +179,30 @@ void UI_HotTextNumber::SetMinMax(std::optional<double> inMin, std::optional<doub
     ShowValue();
 }
 
-std::optional<double> UI_HotTextNumber::GetMin() const { return d->min; }
-std::optional<double> UI_HotTextNumber::GetMax() const { return d->max; }
-void UI_HotTextNumber::SetAllowEmpty(bool inAllow) { d->allowEmpty = inAllow; }
-bool UI_HotTextNumber::GetAllowEmpty() const { return d->allowEmpty; }
-void UI_HotTextNumber::SetEditTextFlags(std::uint32_t inFlags) { d->editFlags = inFlags; }
-std::uint32_t UI_HotTextNumber::GetEditTextFlags() const { return d->editFlags; }
+std::optional<double> UI_HotTextNumber::GetMin() const
+{
+    return d->min;
+}
+std::optional<double> UI_HotTextNumber::GetMax() const
+{
+    return d->max;
+}
+void UI_HotTextNumber::SetAllowEmpty(bool inAllow)
+{
+    d->allowEmpty = inAllow;
+}
+bool UI_HotTextNumber::GetAllowEmpty() const
+{
+    return d->allowEmpty;
+}
+void UI_HotTextNumber::SetEditTextFlags(std::uint32_t inFlags)
+{
+    d->editFlags = inFlags;
+}
+std::uint32_t UI_HotTextNumber::GetEditTextFlags() const
+{
+    return d->editFlags;
+}
 
 void UI_HotTextNumber::SetUnknownStateText(std::u16string const &inText)
 {
@@ -168,7 +210,10 @@ void UI_HotTextNumber::SetUnknownStateText(std::u16string const &inText)
     d->edit->setPlaceholderText(QString::fromStdU16String(inText));
 }
 
-std::u16string const &UI_HotTextNumber::GetUnknownStateText() const { return d->unknownText; }
+std::u16string const &UI_HotTextNumber::GetUnknownStateText() const
+{
+    return d->unknownText;
+}
 
 void UI_HotTextNumber::SetValueUnknown(bool inUnknown)
 {

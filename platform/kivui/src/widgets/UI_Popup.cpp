@@ -74,7 +74,10 @@ UI_Popup::~UI_Popup()
     }
 }
 
-QComboBox *UI_Popup::GetComboBox() const { return d->combo; }
+QComboBox *UI_Popup::GetComboBox() const
+{
+    return d->combo;
+}
 
 void UI_Popup::DeleteAllItems()
 {
@@ -119,9 +122,15 @@ bool UI_Popup::IsItemEnabled(int inIndex) const
     return false;
 }
 
-int UI_Popup::CountItems() const { return d->combo->count(); }
+int UI_Popup::CountItems() const
+{
+    return d->combo->count();
+}
 
-std::u16string UI_Popup::GetItemText(int inIndex) const { return d->combo->itemText(inIndex).toStdU16String(); }
+std::u16string UI_Popup::GetItemText(int inIndex) const
+{
+    return d->combo->itemText(inIndex).toStdU16String();
+}
 
 std::optional<std::string> UI_Popup::GetItemData(int inIndex) const
 {
@@ -147,7 +156,10 @@ void UI_Popup::SetValue(int inIndex)
     d->committedText = GetValueString();
 }
 
-int UI_Popup::GetValue() const { return d->combo->currentIndex(); }
+int UI_Popup::GetValue() const
+{
+    return d->combo->currentIndex();
+}
 
 void UI_Popup::SetValueString(std::u16string const &inText)
 {
@@ -162,7 +174,10 @@ void UI_Popup::SetValueString(std::u16string const &inText)
     }
 }
 
-std::u16string UI_Popup::GetValueString() const { return d->combo->currentText().toStdU16String(); }
+std::u16string UI_Popup::GetValueString() const
+{
+    return d->combo->currentText().toStdU16String();
+}
 
 void UI_Popup::SetValueUnknown(bool inUnknown)
 {
@@ -200,11 +215,26 @@ void UI_Popup::SetPopupType(int inType)
     }
 }
 
-int UI_Popup::GetPopupType() const { return d->type; }
-void UI_Popup::SetEditTextFlags(std::uint32_t inFlags) { d->editFlags = inFlags; }
-std::uint32_t UI_Popup::GetEditTextFlags() const { return d->editFlags; }
-void UI_Popup::SetAllowEmpty(bool inAllow) { d->allowEmpty = inAllow; }
-bool UI_Popup::GetAllowEmpty() const { return d->allowEmpty; }
+int UI_Popup::GetPopupType() const
+{
+    return d->type;
+}
+void UI_Popup::SetEditTextFlags(std::uint32_t inFlags)
+{
+    d->editFlags = inFlags;
+}
+std::uint32_t UI_Popup::GetEditTextFlags() const
+{
+    return d->editFlags;
+}
+void UI_Popup::SetAllowEmpty(bool inAllow)
+{
+    d->allowEmpty = inAllow;
+}
+bool UI_Popup::GetAllowEmpty() const
+{
+    return d->allowEmpty;
+}
 
 void UI_Popup::SetUnknownStateText(std::u16string const &inText)
 {
@@ -213,7 +243,10 @@ void UI_Popup::SetUnknownStateText(std::u16string const &inText)
     if (QLineEdit *edit = d->combo->lineEdit()) edit->setPlaceholderText(QString::fromStdU16String(inText));
 }
 
-std::u16string const &UI_Popup::GetUnknownStateText() const { return d->unknownText; }
+std::u16string const &UI_Popup::GetUnknownStateText() const
+{
+    return d->unknownText;
+}
 
 void UI_Popup::UserChose(int inIndex)
 {

@@ -24,8 +24,10 @@ QPainterPath StarPath(QRectF const &inCell)
         double const r = (i % 2 == 0) ? outer : inner;
         double const a = -M_PI / 2.0 + i * M_PI / 5.0;
         QPointF const p(c.x() + r * std::cos(a), c.y() + r * std::sin(a));
-        if (i == 0) path.moveTo(p);
-        else path.lineTo(p);
+        if (i == 0)
+            path.moveTo(p);
+        else
+            path.lineTo(p);
     }
     path.closeSubpath();
     return path;
@@ -57,7 +59,10 @@ void UI_StarRating::SetValue(double inValue)
     UI_Invalidate();
 }
 
-double UI_StarRating::GetValue() const { return d->value; }
+double UI_StarRating::GetValue() const
+{
+    return d->value;
+}
 
 void UI_StarRating::SetStarSize(float inSize)
 {
@@ -70,7 +75,10 @@ void UI_StarRating::SetStarSize(float inSize)
     UI_Invalidate();
 }
 
-float UI_StarRating::GetStarSize() const { return d->starSize; }
+float UI_StarRating::GetStarSize() const
+{
+    return d->starSize;
+}
 
 kivcore::PointF UI_StarRating::GetPreferredSize(drawbot::Drawbot const *) const
 {
@@ -132,10 +140,15 @@ bool UI_StarRating::UI_DoKeyboardEvent(UI_Node *focusNode, KeyboardEvent const &
         }
         return false;
     case KeyboardCode::kLeftArrow:
-    case KeyboardCode::kDownArrow: UserSet(current - 1.0); return true;
+    case KeyboardCode::kDownArrow:
+        UserSet(current - 1.0);
+        return true;
     case KeyboardCode::kRightArrow:
-    case KeyboardCode::kUpArrow: UserSet(current + 1.0); return true;
-    default: return false;
+    case KeyboardCode::kUpArrow:
+        UserSet(current + 1.0);
+        return true;
+    default:
+        return false;
     }
 }
 

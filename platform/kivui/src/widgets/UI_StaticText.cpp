@@ -20,8 +20,7 @@ struct UI_StaticText::Private {
 
 UI_StaticText::UI_StaticText() : UI_StaticText(std::u16string()) {}
 
-UI_StaticText::UI_StaticText(std::u16string const &inText)
-    : UI_ControlView(new QLabel), d(std::make_unique<Private>())
+UI_StaticText::UI_StaticText(std::u16string const &inText) : UI_ControlView(new QLabel), d(std::make_unique<Private>())
 {
     d->label = static_cast<QLabel *>(UI_GetWidget());
     d->label->setProperty("kivuiClass", QStringLiteral("UI_StaticText"));
@@ -35,11 +34,20 @@ UI_StaticText::UI_StaticText(std::u16string const &inText)
 
 UI_StaticText::~UI_StaticText() = default;
 
-QLabel *UI_StaticText::GetLabel() const { return d->label; }
+QLabel *UI_StaticText::GetLabel() const
+{
+    return d->label;
+}
 
-void UI_StaticText::SetText(std::u16string const &inText) { d->label->setText(QString::fromStdU16String(inText)); }
+void UI_StaticText::SetText(std::u16string const &inText)
+{
+    d->label->setText(QString::fromStdU16String(inText));
+}
 
-std::u16string UI_StaticText::GetText() const { return d->label->text().toStdU16String(); }
+std::u16string UI_StaticText::GetText() const
+{
+    return d->label->text().toStdU16String();
+}
 
 void UI_StaticText::SetTextMode(int inMode)
 {
@@ -53,18 +61,26 @@ void UI_StaticText::SetTextMode(int inMode)
     d->label->setForegroundRole(selectable ? QPalette::Link : QPalette::WindowText);
 }
 
-int UI_StaticText::GetTextMode() const { return d->mode; }
+int UI_StaticText::GetTextMode() const
+{
+    return d->mode;
+}
 
 void UI_StaticText::SetAlignment(int inAlignment)
 {
     d->alignment = inAlignment;
     Qt::Alignment h = Qt::AlignLeft;
-    if (inAlignment == kAlignCenter) h = Qt::AlignHCenter;
-    else if (inAlignment == kAlignRight) h = Qt::AlignRight;
+    if (inAlignment == kAlignCenter)
+        h = Qt::AlignHCenter;
+    else if (inAlignment == kAlignRight)
+        h = Qt::AlignRight;
     d->label->setAlignment(h | Qt::AlignVCenter);
 }
 
-int UI_StaticText::GetAlignment() const { return d->alignment; }
+int UI_StaticText::GetAlignment() const
+{
+    return d->alignment;
+}
 
 void UI_StaticText::SetFontSize(float inSize)
 {
@@ -72,7 +88,10 @@ void UI_StaticText::SetFontSize(float inSize)
     ApplyFont();
 }
 
-float UI_StaticText::GetFontSize() const { return d->fontSize; }
+float UI_StaticText::GetFontSize() const
+{
+    return d->fontSize;
+}
 
 void UI_StaticText::SetFontStyle(std::string const &inStyle)
 {
@@ -80,9 +99,15 @@ void UI_StaticText::SetFontStyle(std::string const &inStyle)
     ApplyFont();
 }
 
-std::string const &UI_StaticText::GetFontStyle() const { return d->fontStyle; }
+std::string const &UI_StaticText::GetFontStyle() const
+{
+    return d->fontStyle;
+}
 
-void UI_StaticText::SetWordWrap(bool inWrap) { d->label->setWordWrap(inWrap); }
+void UI_StaticText::SetWordWrap(bool inWrap)
+{
+    d->label->setWordWrap(inWrap);
+}
 
 void UI_StaticText::UI_NodeChanged()
 {

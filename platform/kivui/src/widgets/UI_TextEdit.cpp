@@ -41,8 +41,10 @@ struct UI_TextEdit::Private {
     void SetText(QString const &inText)
     {
         settingText = true;
-        if (line) line->setText(inText);
-        else if (plain) plain->setPlainText(inText);
+        if (line)
+            line->setText(inText);
+        else if (plain)
+            plain->setPlainText(inText);
         settingText = false;
     }
 };
@@ -66,8 +68,8 @@ bool TextEditWatcher::eventFilter(QObject *, QEvent *inEvent)
     case QEvent::FocusOut: {
         auto *focus = static_cast<QFocusEvent *>(inEvent);
         // A menu or the window losing activation is not the end of an edit.
-        if (focus->reason() != Qt::PopupFocusReason && focus->reason() != Qt::ActiveWindowFocusReason
-            && !mEdit->d->inWarning)
+        if (focus->reason() != Qt::PopupFocusReason && focus->reason() != Qt::ActiveWindowFocusReason &&
+            !mEdit->d->inWarning)
             mEdit->CommitEditing();
         break;
     }
@@ -86,7 +88,8 @@ bool TextEditWatcher::eventFilter(QObject *, QEvent *inEvent)
         }
         break;
     }
-    default: break;
+    default:
+        break;
     }
     return false;
 }
@@ -94,7 +97,7 @@ bool TextEditWatcher::eventFilter(QObject *, QEvent *inEvent)
 UI_TextEdit::UI_TextEdit() : UI_TextEdit(EditorKind::kSingleLine, nullptr) {}
 
 UI_TextEdit::UI_TextEdit(EditorKind inKind, QWidget *inFrame)
-    : UI_InteractiveControlView(inFrame ? inFrame
+    : UI_InteractiveControlView(inFrame                             ? inFrame
                                 : inKind == EditorKind::kSingleLine ? static_cast<QWidget *>(new QLineEdit)
                                                                     : static_cast<QWidget *>(new QPlainTextEdit)),
       d(std::make_unique<Private>())
@@ -135,15 +138,24 @@ UI_TextEdit::~UI_TextEdit()
     if (QWidget *editor = GetEditorWidget()) editor->removeEventFilter(d->watcher);
 }
 
-QLineEdit *UI_TextEdit::GetLineEdit() const { return d->line.data(); }
-QPlainTextEdit *UI_TextEdit::GetPlainTextEdit() const { return d->plain.data(); }
+QLineEdit *UI_TextEdit::GetLineEdit() const
+{
+    return d->line.data();
+}
+QPlainTextEdit *UI_TextEdit::GetPlainTextEdit() const
+{
+    return d->plain.data();
+}
 
 QWidget *UI_TextEdit::GetEditorWidget() const
 {
     return d->line ? static_cast<QWidget *>(d->line.data()) : static_cast<QWidget *>(d->plain.data());
 }
 
-std::u16string UI_TextEdit::GetValue() const { return d->Text().toStdU16String(); }
+std::u16string UI_TextEdit::GetValue() const
+{
+    return d->Text().toStdU16String();
+}
 
 void UI_TextEdit::SetValue(std::u16string const &inText, bool inNotify)
 {
@@ -154,7 +166,10 @@ void UI_TextEdit::SetValue(std::u16string const &inText, bool inNotify)
     if (inNotify && changed) NotifyChanged();
 }
 
-std::u16string const &UI_TextEdit::GetUnknownStateText() const { return d->unknownText; }
+std::u16string const &UI_TextEdit::GetUnknownStateText() const
+{
+    return d->unknownText;
+}
 
 void UI_TextEdit::SetUnknownStateText(std::u16string const &inText)
 {
@@ -192,7 +207,10 @@ void UI_TextEdit::SetReadOnlyMode(bool inReadOnly)
     UI_GetWidget()->setProperty("kivuiReadOnly", inReadOnly);
 }
 
-bool UI_TextEdit::IsReadOnlyMode() const { return d->readOnly; }
+bool UI_TextEdit::IsReadOnlyMode() const
+{
+    return d->readOnly;
+}
 
 void UI_TextEdit::SelectAll()
 {
@@ -200,19 +218,37 @@ void UI_TextEdit::SelectAll()
     if (d->plain) d->plain->selectAll();
 }
 
-bool UI_TextEdit::IsEditing() const { return d->editing; }
+bool UI_TextEdit::IsEditing() const
+{
+    return d->editing;
+}
 
-void UI_TextEdit::SetEditTextFlags(std::uint32_t inFlags) { d->editFlags = inFlags; }
-std::uint32_t UI_TextEdit::GetEditTextFlags() const { return d->editFlags; }
-void UI_TextEdit::SetAllowEmpty(bool inAllow) { d->allowEmpty = inAllow; }
-bool UI_TextEdit::GetAllowEmpty() const { return d->allowEmpty; }
+void UI_TextEdit::SetEditTextFlags(std::uint32_t inFlags)
+{
+    d->editFlags = inFlags;
+}
+std::uint32_t UI_TextEdit::GetEditTextFlags() const
+{
+    return d->editFlags;
+}
+void UI_TextEdit::SetAllowEmpty(bool inAllow)
+{
+    d->allowEmpty = inAllow;
+}
+bool UI_TextEdit::GetAllowEmpty() const
+{
+    return d->allowEmpty;
+}
 
 void UI_TextEdit::SetMaxLength(int inLength)
 {
     if (d->line) d->line->setMaxLength(inLength);
 }
 
-std::optional<std::u16string> UI_TextEdit::ValidateText(std::u16string const &) const { return std::nullopt; }
+std::optional<std::u16string> UI_TextEdit::ValidateText(std::u16string const &) const
+{
+    return std::nullopt;
+}
 
 void UI_TextEdit::SetValidationWarningPresenter(ValidationWarningPresenter inPresenter)
 {

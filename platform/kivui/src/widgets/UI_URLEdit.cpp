@@ -44,9 +44,15 @@ UI_URLEdit::UI_URLEdit() : UI_TextEdit(EditorKind::kSingleLine, new QWidget)
 
 UI_URLEdit::~UI_URLEdit() = default;
 
-QToolButton *UI_URLEdit::GetOpenButton() const { return mButton; }
+QToolButton *UI_URLEdit::GetOpenButton() const
+{
+    return mButton;
+}
 
-void UI_URLEdit::SetOpener(Opener inOpener) { CurrentOpener() = std::move(inOpener); }
+void UI_URLEdit::SetOpener(Opener inOpener)
+{
+    CurrentOpener() = std::move(inOpener);
+}
 
 bool UI_URLEdit::OpenURL()
 {
@@ -72,6 +78,9 @@ void UI_URLEdit::PlaceParts()
     mButton->setGeometry(std::max(0, w - kButtonWidth), 0, kButtonWidth, h);
 }
 
-void UI_URLEdit::UpdateButton() { mButton->setEnabled(!GetLineEdit()->text().isEmpty()); }
+void UI_URLEdit::UpdateButton()
+{
+    mButton->setEnabled(!GetLineEdit()->text().isEmpty());
+}
 
 } // namespace kivui
