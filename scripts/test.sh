@@ -1,7 +1,10 @@
 #!/usr/bin/env bash
 # Installs what is needed, builds everything and runs every test.
 #
-#   scripts/test.sh                    everything, in build/ (or $KIV_BUILD_DIR)
+#   scripts/test.sh                    every test in build/ (or $KIV_BUILD_DIR),
+#                                      the format check, the model and core tests
+#                                      under the sanitizers, and each fuzz target
+#                                      for $KIV_FUZZ_SECONDS (10) seconds
 #   scripts/test.sh --sanitize         everything under AddressSanitizer and
 #                                      UndefinedBehaviorSanitizer, in build-sanitize/
 #   scripts/test.sh --sanitize=model   the same for the kivcore and kivmetadata tests only
@@ -19,13 +22,17 @@ case "${1:-}" in
   ;;
 esac
 
-"$root/scripts/install-deps.sh"
+"$root/scripts/install-deps.sh" --tests
 
 if [ -z "$sanitize" ]; then
-  "$root/scripts/build.sh"
+  "$root/scripts/build.sh" -DKIV_BUILD_TESTS=ON -DKIV_BUILD_BENCHMARKS=ON
   build=${KIV_BUILD_DIR:-$root/build}
-  cd "$build"
-  QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j"$(nproc)"
+  (cd "$build" && QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j"$(nproc)")
+  "$root/scripts/check-format.sh"
+  # The model and core tests again under the sanitizers, and each fuzz
+  # target briefly on its seeds.
+  "$root/scripts/test.sh" --sanitize=model
+  "$root/scripts/fuzz.sh" --ci --time="${KIV_FUZZ_SECONDS:-10}"
   exit
 fi
 
