@@ -60,6 +60,9 @@ function(kiv_add_gtest name)
     set(ARG_MAIN kivtest_main_core)
   endif()
   add_executable(${name} ${ARG_SOURCES})
+  # Listed by layer (the folder below tests/) for targets such as kiv_model_tests.
+  get_filename_component(layer ${CMAKE_CURRENT_SOURCE_DIR} NAME)
+  set_property(GLOBAL APPEND PROPERTY KIV_TESTS_${layer} ${name})
   target_link_libraries(${name} PRIVATE ${ARG_LINK} ${ARG_MAIN} GTest::gtest GTest::gmock)
   kiv_set_warnings(${name})
   # The code under test is optimised in its libraries; the test code itself,

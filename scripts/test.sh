@@ -44,8 +44,7 @@ export ASAN_OPTIONS=detect_leaks=0:abort_on_error=1
 export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
 export QT_QPA_PLATFORM=offscreen
 if [ "$sanitize" = model ]; then
-  cmake --build "$build" -j"$(nproc)" --target \
-    kivcoreTest kivmetadataModelTest kivmetadataDefinitionsTest kivmetadataContainersTest kivmetadataSavingTest
+  cmake --build "$build" -j"$(nproc)" --target kiv_model_tests
   # ctest in a test folder runs only the tests defined there.
   for dir in tests/kivcore tests/kivmetadata; do
     ctest --test-dir "$build/$dir" --output-on-failure -j"$(nproc)"
