@@ -31,7 +31,6 @@ constexpr char kAdoptedProperty[] = "kivSkinAdopted";
 constexpr char kHostLookSheet[] = "QLineEdit[kivDateInvalid=\"true\"] { border: 1px solid #d0453a; }";
 constexpr char kRawDataName[] = "RawData";
 constexpr char kTreeName[] = "Tree";
-constexpr char kRawDataLabelKey[] = "$$$/kivmetadataui/view/RawData_label=Raw Data";
 constexpr int kPreferredHeight = 420;
 constexpr int kMinimumWidth = 200;
 constexpr int kMinimumHeight = 120;
@@ -120,13 +119,10 @@ void MetadataWidget::Show(std::string const &inName, Kind inKind)
     if (!d->mProvider) return;
 
     switch (inKind) {
-    case Kind::kRawData: {
-        auto definition = std::make_shared<kivmetadata::ViewDefinition>();
-        definition->mName = kRawDataName;
-        definition->mLabel = kRawDataLabelKey;
-        d->mView = CreateRawDataView(definition, d->mProvider, RawDataViewOptions{false, true});
+    case Kind::kRawData:
+        // A null definition gives the raw view its own name and label.
+        d->mView = CreateRawDataView(nullptr, d->mProvider, RawDataViewOptions{false, true});
         break;
-    }
     case Kind::kTree: {
         IntrusivePtr<MetadataView> tree(new MetadataView(kivmetadata::GetSchemaDefinitions(), d->mProvider));
         {
