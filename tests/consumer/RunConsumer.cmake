@@ -29,7 +29,8 @@ foreach(name HostWindow.h main.cpp)
 endforeach()
 
 run(${CMAKE_COMMAND} -S ${SOURCE_DIR} -B ${WORK_DIR}/build -DCMAKE_PREFIX_PATH=${prefix}
-    -DEXAMPLE_DIR=${WORK_DIR}/example)
+    -DEXAMPLE_DIR=${WORK_DIR}/example "-DCMAKE_CXX_FLAGS=${CONSUMER_FLAGS}"
+    "-DCMAKE_EXE_LINKER_FLAGS=${CONSUMER_FLAGS}")
 run(${CMAKE_COMMAND} --build ${WORK_DIR}/build)
 run(${CMAKE_COMMAND} -E env LD_LIBRARY_PATH=${prefix}/lib:${prefix}/lib64 QT_QPA_PLATFORM=offscreen
     ${WORK_DIR}/build/consumer)
