@@ -3,6 +3,7 @@
 // FormatDateTimeStr, as a text that parses back to the same record: the date
 // edit relies on it when it normalises what was typed.
 #include "FuzzRequire.h"
+#include "FuzzText.h"
 
 #include <kivmetadataui/DateTimeString.h>
 
@@ -36,9 +37,6 @@ void Check(std::u16string const &text)
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const *data, std::size_t size)
 {
-    Check(kivcore::utility::Utf8ToUtf16(std::string_view(reinterpret_cast<char const *>(data), size)));
-    std::u16string units(size / 2, u'\0');
-    if (!units.empty()) std::memcpy(units.data(), data, units.size() * sizeof(char16_t));
-    Check(units);
+    CheckAsTexts(data, size, Check);
     return 0;
 }

@@ -2,6 +2,7 @@
 // as UTF-8 and as raw UTF-16 units: a generated name always verifies, keeps
 // or replaces each unit in place, and a valid name generates itself.
 #include "FuzzRequire.h"
+#include "FuzzText.h"
 
 #include <kivmetadataui/XMLNameValidation.h>
 
@@ -48,9 +49,6 @@ extern "C" int LLVMFuzzerInitialize(int *, char ***)
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const *data, std::size_t size)
 {
-    Check(kivcore::utility::Utf8ToUtf16(std::string_view(reinterpret_cast<char const *>(data), size)));
-    std::u16string units(size / 2, u'\0');
-    if (!units.empty()) std::memcpy(units.data(), data, units.size() * sizeof(char16_t));
-    Check(units);
+    CheckAsTexts(data, size, Check);
     return 0;
 }
