@@ -43,7 +43,6 @@
 #include <cstdint>
 #include <limits>
 #include <string>
-#include <type_traits>
 #include <vector>
 
 namespace kivmetadataui {
@@ -159,11 +158,42 @@ std::u16string StoredIfShownOtherwise(GetValueResult inResult, std::string const
     return stored == inShown ? std::u16string() : stored;
 }
 
+// The status of a control showing the value; `inDefinition` is the value's
+// property, looked up already.
+ControlStatus StatusOf(Value const &inValue, std::shared_ptr<PropertyDefinition> const &inDefinition,
+                       std::optional<ControlDisplayParameter> inDisplay)
+{
+    enum ReasonToDisable { kNone = 0, kNotEditable = 1, kRefusedByProvider = 2, kUnsupported = 3, kNoProvider = 4 };
+    ReasonToDisable reason = kNone;
+    if (!inValue.mProvider)
+        reason = kNoProvider;
+    else if (inValue.mNotEditable)
+        reason = kNotEditable;
+    else if (!inValue.mProvider->AcceptsPath(inValue, true))
+        reason = kRefusedByProvider;
+    else if (!IsDefinitionSupportedForWriting(inDefinition))
+        reason = kUnsupported;
+
+    if (kivmetadata::IsAllMetadataForcedWritable()) return kControlStatus_Editable;
+    switch (reason) {
+    case kNone:
+        return inDisplay && *inDisplay ? kControlStatus_ReadOnly : kControlStatus_Editable;
+    case kNotEditable:
+    case kRefusedByProvider:
+        return inDisplay ? kControlStatus_ReadOnly : kControlStatus_Disabled;
+    case kUnsupported:
+    case kNoProvider:
+        return kControlStatus_Disabled;
+    }
+    KIV_ASSERT_MSG(kUnit, "kivmetadataui::QueryControlStatus", false, "Unhandled ReasonToDisable");
+    return kControlStatus_Disabled;
+}
+
 // Statuses 0 and 1 leave the control restricted, 2 leaves it free; the
 // second call decides.
-void ApplyStatus(Value const &inValue, kivui::UI_ControlView &inControl, GetValueResult inResult)
+void ApplyStatus(ResolvedValue const &inValue, kivui::UI_ControlView &inControl, GetValueResult inResult)
 {
-    const ControlStatus status = QueryControlStatus(inValue);
+    const ControlStatus status = StatusOf(inValue, inValue.mDefinition, std::nullopt);
     inControl.SetDisabled(status == kControlStatus_Disabled);
     if (status != kControlStatus_Disabled) inControl.SetDisabled(status == kControlStatus_ReadOnly);
     inControl.UI_Show(QueryVisibilityStatus(inValue, inResult));
@@ -233,9 +263,9 @@ std::optional<std::u16string> Shortened(std::u16string const &inText, bool inArr
                                {locale.toString(qlonglong(count)).toStdU16String()});
 }
 
-bool IsTextArray(Value const &inValue)
+bool IsTextArray(ResolvedValue const &inValue)
 {
-    const auto type = kivmetadata::PrimitiveTypeOfPath(inValue.mPath);
+    std::optional<kivmetadata::PrimitiveType> const &type = inValue.mPrimitiveType;
     return type && (*type == kivmetadata::kPrimitiveType_TextBag || *type == kivmetadata::kPrimitiveType_TextSeq);
 }
 
@@ -261,7 +291,7 @@ void MarkShortened(kivui::UI_TextEdit &inControl, bool inShortened)
     }
 }
 
-void UpdateTextControl(Value const &inValue, kivui::UI_TextEdit &inControl)
+void UpdateTextControl(ResolvedValue const &inValue, kivui::UI_TextEdit &inControl)
 {
     std::string text;
     const GetValueResult result = ReadString(inValue, text);
@@ -302,7 +332,7 @@ void UpdateTextValue(Value const &inValue, kivui::UI_TextEdit const &inControl)
 }
 
 // The items of a text as the metadata model splits arrays.
-std::vector<std::u16string> EntriesOfText(Value const &inValue, std::u16string const &inText)
+std::vector<std::u16string> EntriesOfText(ResolvedValue const &inValue, std::u16string const &inText)
 {
     std::vector<std::u16string> entries;
     if (!IsTextArray(inValue)) {
@@ -326,30 +356,7 @@ std::vector<std::u16string> EntriesOfText(Value const &inValue, std::u16string c
 
 ControlStatus QueryControlStatus(Value const &inValue, std::optional<ControlDisplayParameter> inDisplay)
 {
-    enum ReasonToDisable { kNone = 0, kNotEditable = 1, kRefusedByProvider = 2, kUnsupported = 3, kNoProvider = 4 };
-    ReasonToDisable reason = kNone;
-    if (!inValue.mProvider)
-        reason = kNoProvider;
-    else if (inValue.mNotEditable)
-        reason = kNotEditable;
-    else if (!inValue.mProvider->AcceptsPath(inValue, true))
-        reason = kRefusedByProvider;
-    else if (!IsPropertySupportedForWriting(inValue.mPath))
-        reason = kUnsupported;
-
-    if (kivmetadata::IsAllMetadataForcedWritable()) return kControlStatus_Editable;
-    switch (reason) {
-    case kNone:
-        return inDisplay && *inDisplay ? kControlStatus_ReadOnly : kControlStatus_Editable;
-    case kNotEditable:
-    case kRefusedByProvider:
-        return inDisplay ? kControlStatus_ReadOnly : kControlStatus_Disabled;
-    case kUnsupported:
-    case kNoProvider:
-        return kControlStatus_Disabled;
-    }
-    KIV_ASSERT_MSG(kUnit, "kivmetadataui::QueryControlStatus", false, "Unhandled ReasonToDisable");
-    return kControlStatus_Disabled;
+    return StatusOf(inValue, kivmetadata::PathEntryDefinition(inValue.mPath), inDisplay);
 }
 
 bool QueryVisibilityStatus(Value const &inValue, GetValueResult inResult)
@@ -359,31 +366,17 @@ bool QueryVisibilityStatus(Value const &inValue, GetValueResult inResult)
     return inValue.mProvider && inValue.mProvider->AcceptsPath(inValue, false);
 }
 
-// ---------------------------------------------------------------- UpdateControl
+// ---------------------------------------------------------------- showing and writing, by kind
 
-void UpdateControl(Value const &inValue, ControlPtr<kivui::UI_AutoCompleteTextEdit> const &inControl)
+namespace {
+
+void ShowValue(ResolvedValue const &inValue, kivui::UI_TextEdit &inControl)
 {
-    if (inControl) UpdateTextControl(inValue, *inControl);
+    UpdateTextControl(inValue, inControl);
 }
 
-void UpdateControl(Value const &inValue, ControlPtr<kivui::UI_TextEdit> const &inControl)
+void ShowValue(ResolvedValue const &inValue, kivui::UI_Checkbox &inControl)
 {
-    if (inControl) UpdateTextControl(inValue, *inControl);
-}
-
-void UpdateControl(Value const &inValue, ControlPtr<kivui::UI_URLEdit> const &inControl)
-{
-    if (inControl) UpdateTextControl(inValue, *inControl);
-}
-
-void UpdateControl(Value const &inValue, ControlPtr<kivui::UI_DragableTextEdit> const &inControl)
-{
-    if (inControl) UpdateTextControl(inValue, *inControl);
-}
-
-void UpdateControl(Value const &inValue, ControlPtr<kivui::UI_Checkbox> const &inControl)
-{
-    if (!inControl) return;
     bool checked = false;
     GetValueResult result = kivmetadata::kGetValueResult_Unreadable;
     if (inValue.mProvider) {
@@ -391,48 +384,46 @@ void UpdateControl(Value const &inValue, ControlPtr<kivui::UI_Checkbox> const &i
         kivmetadata::GetValue(inValue, checked, result);
     }
     if (result == kivmetadata::kGetValueResult_OneValue)
-        inControl->SetValue(checked ? kivui::UI_Checkbox::kChecked : kivui::UI_Checkbox::kUnchecked);
+        inControl.SetValue(checked ? kivui::UI_Checkbox::kChecked : kivui::UI_Checkbox::kUnchecked);
     else
-        inControl->SetValue(kivui::UI_Checkbox::kMixed);
-    ApplyStatus(inValue, *inControl, result);
+        inControl.SetValue(kivui::UI_Checkbox::kMixed);
+    ApplyStatus(inValue, inControl, result);
 }
 
-void UpdateControl(Value const &inValue, ControlPtr<UI_DateTextEdit> const &inControl)
+void ShowValue(ResolvedValue const &inValue, UI_DateTextEdit &inControl)
 {
-    if (!inControl) return;
     std::string text;
     const GetValueResult result = ReadString(inValue, text);
     if (result == kivmetadata::kGetValueResult_SeveralValues) {
-        if (!inControl->IsEditing()) {
-            inControl->SetValue(std::u16string());
-            inControl->SetUnknownStateText(MultipleValuesText(inValue, kStaticTextMultipleValues));
-            inControl->SetValueUnknown(true);
+        if (!inControl.IsEditing()) {
+            inControl.SetValue(std::u16string());
+            inControl.SetUnknownStateText(MultipleValuesText(inValue, kStaticTextMultipleValues));
+            inControl.SetValueUnknown(true);
         }
-    } else if (!inControl->IsEditing()) {
-        inControl->SetValue(result == kivmetadata::kGetValueResult_OneValue ? Utf8ToUtf16(text) : std::u16string());
+    } else if (!inControl.IsEditing()) {
+        inControl.SetValue(result == kivmetadata::kGetValueResult_OneValue ? Utf8ToUtf16(text) : std::u16string());
         // The field shows dates normalised; what is stored may read otherwise.
-        ShowStoredValueInToolTip(*inControl, StoredIfShownOtherwise(result, text, inControl->GetValue()));
+        ShowStoredValueInToolTip(inControl, StoredIfShownOtherwise(result, text, inControl.GetValue()));
     }
-    ApplyStatus(inValue, *inControl, result);
+    ApplyStatus(inValue, inControl, result);
 }
 
-void UpdateControl(Value const &inValue, ControlPtr<kivui::UI_StaticText> const &inControl)
+void ShowValue(ResolvedValue const &inValue, kivui::UI_StaticText &inControl)
 {
-    if (!inControl) return;
     std::string text;
     const GetValueResult result = ReadString(inValue, text);
-    const auto definition = kivmetadata::PathEntryDefinition(inValue.mPath);
+    std::shared_ptr<PropertyDefinition> const &definition = inValue.mDefinition;
     const bool address =
         definition && (definition->mTypeId == "uri" || definition->mTypeId == "url" || definition->mTypeId == "xpath");
-    inControl->SetTextMode(address ? kTextModeAddress : kTextModePlain);
+    inControl.SetTextMode(address ? kTextModeAddress : kTextModePlain);
     std::u16string shownText;
     if (result == kivmetadata::kGetValueResult_SeveralValues) {
-        inControl->SetText(MultipleValuesText(inValue, kStaticTextMultipleValues));
+        inControl.SetText(MultipleValuesText(inValue, kStaticTextMultipleValues));
     } else {
         // A view item's own choices, when the factory kept them, come first.
         std::u16string shown;
         bool found = false;
-        if (auto choices = GetChoiceData(*inControl)) {
+        if (auto choices = GetChoiceData(inControl)) {
             for (auto const &choice : *choices) {
                 if (choice.mRawValue == text) {
                     shown = LocalizeIfKey(choice.mDisplay);
@@ -449,19 +440,18 @@ void UpdateControl(Value const &inValue, ControlPtr<kivui::UI_StaticText> const 
             }
         }
         std::optional<std::u16string> shortened = Shortened(shown);
-        inControl->SetText(shortened ? *shortened : shown);
+        inControl.SetText(shortened ? *shortened : shown);
         shownText = std::move(shown);
     }
     std::u16string stored = StoredIfShownOtherwise(result, text, shownText);
     if (auto shortened = Shortened(stored)) stored = std::move(*shortened);
-    ShowStoredValueInToolTip(*inControl, stored);
-    ApplyStatus(inValue, *inControl, result);
+    ShowStoredValueInToolTip(inControl, stored);
+    ApplyStatus(inValue, inControl, result);
 }
 
-void UpdateControl(Value const &inValue, ControlPtr<kivui::UI_Popup> const &inControl)
+void ShowValue(ResolvedValue const &inValue, kivui::UI_Popup &inControl)
 {
-    if (!inControl) return;
-    const auto choices = GetChoiceData(*inControl);
+    const auto choices = GetChoiceData(inControl);
     if (!choices) {
         KIV_ASSERT_MSG(kUnit, "kivmetadataui::UpdateControl", false,
                        "UpdateControl: can't retrieve user data from UI_Popup");
@@ -470,7 +460,7 @@ void UpdateControl(Value const &inValue, ControlPtr<kivui::UI_Popup> const &inCo
     std::string raw;
     const GetValueResult result = ReadString(inValue, raw);
     if (result == kivmetadata::kGetValueResult_SeveralValues) {
-        inControl->SetValueUnknown(true);
+        inControl.SetValueUnknown(true);
     } else {
         int index = -1;
         if (result == kivmetadata::kGetValueResult_OneValue) {
@@ -482,23 +472,21 @@ void UpdateControl(Value const &inValue, ControlPtr<kivui::UI_Popup> const &inCo
             }
         }
         if (index >= 0) {
-            inControl->SetValue(index);
+            inControl.SetValue(index);
         } else {
             // No choice matches: show the raw value's text (empty when absent).
-            const std::u16string shown =
-                result == kivmetadata::kGetValueResult_OneValue
-                    ? ChoiceDisplayFromRawValue(kivmetadata::PathEntryDefinition(inValue.mPath), raw)
-                    : std::u16string();
-            inControl->SetValue(-1);
-            inControl->SetValueString(shown);
+            const std::u16string shown = result == kivmetadata::kGetValueResult_OneValue
+                                             ? ChoiceDisplayFromRawValue(inValue.mDefinition, raw)
+                                             : std::u16string();
+            inControl.SetValue(-1);
+            inControl.SetValueString(shown);
         }
     }
-    ApplyStatus(inValue, *inControl, result);
+    ApplyStatus(inValue, inControl, result);
 }
 
-void UpdateControl(Value const &inValue, ControlPtr<kivui::UI_HotTextNumber> const &inControl)
+void ShowValue(ResolvedValue const &inValue, kivui::UI_HotTextNumber &inControl)
 {
-    if (!inControl) return;
     double number = 0;
     GetValueResult result = kivmetadata::kGetValueResult_Unreadable;
     if (inValue.mProvider) {
@@ -506,17 +494,16 @@ void UpdateControl(Value const &inValue, ControlPtr<kivui::UI_HotTextNumber> con
         kivmetadata::GetValue(inValue, number, result);
     }
     if (result == kivmetadata::kGetValueResult_SeveralValues) {
-        inControl->SetValueUnknown(true);
+        inControl.SetValueUnknown(true);
     } else {
-        inControl->SetValue(result == kivmetadata::kGetValueResult_OneValue ? number
-                                                                            : std::numeric_limits<double>::quiet_NaN());
+        inControl.SetValue(result == kivmetadata::kGetValueResult_OneValue ? number
+                                                                           : std::numeric_limits<double>::quiet_NaN());
     }
-    ApplyStatus(inValue, *inControl, result);
+    ApplyStatus(inValue, inControl, result);
 }
 
-void UpdateControl(Value const &inValue, ControlPtr<kivui::UI_StarRating> const &inControl)
+void ShowValue(ResolvedValue const &inValue, kivui::UI_StarRating &inControl)
 {
-    if (!inControl) return;
     double rating = 0;
     GetValueResult result = kivmetadata::kGetValueResult_Unreadable;
     if (inValue.mProvider) {
@@ -524,50 +511,38 @@ void UpdateControl(Value const &inValue, ControlPtr<kivui::UI_StarRating> const 
         kivmetadata::GetValue(inValue, rating, result);
     }
     if (result == kivmetadata::kGetValueResult_SeveralValues) {
-        inControl->SetValueUnknown(true);
+        inControl.SetValueUnknown(true);
     } else {
-        inControl->SetValue(result == kivmetadata::kGetValueResult_OneValue ? rating : 0.0);
+        inControl.SetValue(result == kivmetadata::kGetValueResult_OneValue ? rating : 0.0);
     }
-    ApplyStatus(inValue, *inControl, result);
+    ApplyStatus(inValue, inControl, result);
 }
 
 // ---------------------------------------------------------------- UpdateValue
 
-void UpdateValue(Value const &inValue, ControlPtr<kivui::UI_TextEdit> const &inControl)
+void WriteValue(ResolvedValue const &inValue, kivui::UI_TextEdit &inControl)
 {
-    if (inControl) UpdateTextValue(inValue, *inControl);
+    UpdateTextValue(inValue, inControl);
 }
 
-void UpdateValue(Value const &inValue, ControlPtr<kivui::UI_URLEdit> const &inControl)
+void WriteValue(ResolvedValue const &inValue, kivui::UI_AutoCompleteTextEdit &inControl)
 {
-    if (inControl) UpdateTextValue(inValue, *inControl);
-}
-
-void UpdateValue(Value const &inValue, ControlPtr<kivui::UI_DragableTextEdit> const &inControl)
-{
-    if (inControl) UpdateTextValue(inValue, *inControl);
-}
-
-void UpdateValue(Value const &inValue, ControlPtr<kivui::UI_AutoCompleteTextEdit> const &inControl)
-{
-    if (!inControl) return;
-    UpdateTextValue(inValue, *inControl);
+    UpdateTextValue(inValue, inControl);
     // The next completion offers what was just typed.
-    if (!inControl->IsValueUnknown() && (IsAutoCompletionEnabled() || !inControl->GetEntryList().empty())) {
-        const std::u16string text = inControl->GetValue();
+    if (!inControl.IsValueUnknown() && (IsAutoCompletionEnabled() || !inControl.GetEntryList().empty())) {
+        const std::u16string text = inControl.GetValue();
         if (!text.empty()) {
             const std::string key = MRUKeyForPath(inValue.mPath);
             kivmetadata::UpdateMRULists(key, EntriesOfText(inValue, text));
-            inControl->SetEntryList(kivmetadata::GetMRUList(key));
+            inControl.SetEntryList(kivmetadata::GetMRUList(key));
         }
     }
 }
 
-void UpdateValue(Value const &inValue, ControlPtr<UI_DateTextEdit> const &inControl)
+void WriteValue(ResolvedValue const &inValue, UI_DateTextEdit &inControl)
 {
-    if (!inControl) return;
-    const std::u16string text = inControl->GetValue();
-    if (inControl->IsValueUnknown() || text.empty()) {
+    const std::u16string text = inControl.GetValue();
+    if (inControl.IsValueUnknown() || text.empty()) {
         WriteBack(inValue, [&] { return kivmetadata::DeleteValue(inValue); });
     } else {
         kivmetadata::XMP_DateTime date;
@@ -578,27 +553,24 @@ void UpdateValue(Value const &inValue, ControlPtr<UI_DateTextEdit> const &inCont
     // what is stored now.
     std::string stored;
     const GetValueResult result = ReadString(inValue, stored);
-    ShowStoredValueInToolTip(*inControl, StoredIfShownOtherwise(result, stored, inControl->GetValue()));
+    ShowStoredValueInToolTip(inControl, StoredIfShownOtherwise(result, stored, inControl.GetValue()));
 }
 
-void UpdateValue(Value const &inValue, ControlPtr<kivui::UI_Checkbox> const &inControl)
+void WriteValue(ResolvedValue const &inValue, kivui::UI_Checkbox &inControl)
 {
-    if (!inControl) return;
-    const auto state = inControl->GetValue();
+    const auto state = inControl.GetValue();
     WriteBack(inValue, [&] {
-        if (state == kivui::UI_Checkbox::kMixed || inControl->IsValueUnknown())
-            return kivmetadata::DeleteValue(inValue);
+        if (state == kivui::UI_Checkbox::kMixed || inControl.IsValueUnknown()) return kivmetadata::DeleteValue(inValue);
         return kivmetadata::SetValue(inValue, state == kivui::UI_Checkbox::kChecked);
     });
 }
 
-void UpdateValue(Value const &inValue, ControlPtr<kivui::UI_HotTextNumber> const &inControl)
+void WriteValue(ResolvedValue const &inValue, kivui::UI_HotTextNumber &inControl)
 {
-    if (!inControl) return;
-    const double number = inControl->GetValue();
+    const double number = inControl.GetValue();
     WriteBack(inValue, [&] {
-        if (inControl->IsValueUnknown() || std::isnan(number)) return kivmetadata::DeleteValue(inValue);
-        const auto primitiveType = kivmetadata::PrimitiveTypeOfPath(inValue.mPath);
+        if (inControl.IsValueUnknown() || std::isnan(number)) return kivmetadata::DeleteValue(inValue);
+        std::optional<kivmetadata::PrimitiveType> const &primitiveType = inValue.mPrimitiveType;
         // The integer type is the one just before the real type.
         constexpr auto kInteger = static_cast<kivmetadata::PrimitiveType>(kivmetadata::kPrimitiveType_Real - 1);
         if (primitiveType && *primitiveType == kInteger)
@@ -607,32 +579,30 @@ void UpdateValue(Value const &inValue, ControlPtr<kivui::UI_HotTextNumber> const
     });
 }
 
-void UpdateValue(Value const &inValue, ControlPtr<kivui::UI_StarRating> const &inControl)
+void WriteValue(ResolvedValue const &inValue, kivui::UI_StarRating &inControl)
 {
-    if (!inControl) return;
-    const double value = inControl->GetValue();
+    const double value = inControl.GetValue();
     WriteBack(inValue, [&] {
         // No stars removes the property.
-        if (inControl->IsValueUnknown() || value == 0) return kivmetadata::DeleteValue(inValue);
+        if (inControl.IsValueUnknown() || value == 0) return kivmetadata::DeleteValue(inValue);
         KIV_ASSERT_MSG(kUnit, "kivmetadataui::UpdateValue", (value == static_cast<std::int64_t>(value)),
                        "Breaking backward compatibility with GX6");
         return kivmetadata::SetMinimalFloatValue(inValue, value);
     });
 }
 
-void UpdateValue(Value const &inValue, ControlPtr<kivui::UI_Popup> const &inControl)
+void WriteValue(ResolvedValue const &inValue, kivui::UI_Popup &inControl)
 {
-    if (!inControl) return;
-    const auto choices = GetChoiceData(*inControl);
+    const auto choices = GetChoiceData(inControl);
     if (!choices) {
         KIV_ASSERT_MSG(kUnit, "kivmetadataui::UpdateValue", false,
                        "UpdateValue:  can't retrieve user data from UI_Popup");
         return;
     }
-    const int index = inControl->GetValue();
-    if (index < 0 && inControl->GetPopupType() == 1) {
+    const int index = inControl.GetValue();
+    if (index < 0 && inControl.GetPopupType() == 1) {
         // An editable popup holding a typed text that is no choice.
-        const std::u16string typed = inControl->GetValueString();
+        const std::u16string typed = inControl.GetValueString();
         WriteBack(inValue, [&] {
             return typed.empty() ? kivmetadata::DeleteValue(inValue)
                                  : kivmetadata::SetValue(inValue, Utf16ToUtf8(typed));
@@ -645,7 +615,111 @@ void UpdateValue(Value const &inValue, ControlPtr<kivui::UI_Popup> const &inCont
               [&] { return kivmetadata::SetValue(inValue, (*choices)[static_cast<std::size_t>(index)].mRawValue); });
 }
 
-void UpdateValue(Value const &, ControlPtr<kivui::UI_StaticText> const &) {}
+void WriteValue(ResolvedValue const &, kivui::UI_StaticText &) {}
+
+} // namespace
+
+// ---------------------------------------------------------------- UpdateControl, UpdateValue
+
+void UpdateControl(Value const &inValue, ControlPtr<kivui::UI_AutoCompleteTextEdit> const &inControl)
+{
+    if (inControl) ShowValue(ResolveValue(inValue), *inControl);
+}
+
+void UpdateControl(Value const &inValue, ControlPtr<kivui::UI_TextEdit> const &inControl)
+{
+    if (inControl) ShowValue(ResolveValue(inValue), *inControl);
+}
+
+void UpdateControl(Value const &inValue, ControlPtr<kivui::UI_URLEdit> const &inControl)
+{
+    if (inControl) ShowValue(ResolveValue(inValue), *inControl);
+}
+
+void UpdateControl(Value const &inValue, ControlPtr<kivui::UI_DragableTextEdit> const &inControl)
+{
+    if (inControl) ShowValue(ResolveValue(inValue), *inControl);
+}
+
+void UpdateControl(Value const &inValue, ControlPtr<kivui::UI_Checkbox> const &inControl)
+{
+    if (inControl) ShowValue(ResolveValue(inValue), *inControl);
+}
+
+void UpdateControl(Value const &inValue, ControlPtr<UI_DateTextEdit> const &inControl)
+{
+    if (inControl) ShowValue(ResolveValue(inValue), *inControl);
+}
+
+void UpdateControl(Value const &inValue, ControlPtr<kivui::UI_StaticText> const &inControl)
+{
+    if (inControl) ShowValue(ResolveValue(inValue), *inControl);
+}
+
+void UpdateControl(Value const &inValue, ControlPtr<kivui::UI_Popup> const &inControl)
+{
+    if (inControl) ShowValue(ResolveValue(inValue), *inControl);
+}
+
+void UpdateControl(Value const &inValue, ControlPtr<kivui::UI_HotTextNumber> const &inControl)
+{
+    if (inControl) ShowValue(ResolveValue(inValue), *inControl);
+}
+
+void UpdateControl(Value const &inValue, ControlPtr<kivui::UI_StarRating> const &inControl)
+{
+    if (inControl) ShowValue(ResolveValue(inValue), *inControl);
+}
+
+void UpdateValue(Value const &inValue, ControlPtr<kivui::UI_TextEdit> const &inControl)
+{
+    if (inControl) WriteValue(ResolveValue(inValue), *inControl);
+}
+
+void UpdateValue(Value const &inValue, ControlPtr<kivui::UI_URLEdit> const &inControl)
+{
+    if (inControl) WriteValue(ResolveValue(inValue), *inControl);
+}
+
+void UpdateValue(Value const &inValue, ControlPtr<kivui::UI_DragableTextEdit> const &inControl)
+{
+    if (inControl) WriteValue(ResolveValue(inValue), *inControl);
+}
+
+void UpdateValue(Value const &inValue, ControlPtr<kivui::UI_AutoCompleteTextEdit> const &inControl)
+{
+    if (inControl) WriteValue(ResolveValue(inValue), *inControl);
+}
+
+void UpdateValue(Value const &inValue, ControlPtr<UI_DateTextEdit> const &inControl)
+{
+    if (inControl) WriteValue(ResolveValue(inValue), *inControl);
+}
+
+void UpdateValue(Value const &inValue, ControlPtr<kivui::UI_Checkbox> const &inControl)
+{
+    if (inControl) WriteValue(ResolveValue(inValue), *inControl);
+}
+
+void UpdateValue(Value const &inValue, ControlPtr<kivui::UI_HotTextNumber> const &inControl)
+{
+    if (inControl) WriteValue(ResolveValue(inValue), *inControl);
+}
+
+void UpdateValue(Value const &inValue, ControlPtr<kivui::UI_StarRating> const &inControl)
+{
+    if (inControl) WriteValue(ResolveValue(inValue), *inControl);
+}
+
+void UpdateValue(Value const &inValue, ControlPtr<kivui::UI_Popup> const &inControl)
+{
+    if (inControl) WriteValue(ResolveValue(inValue), *inControl);
+}
+
+void UpdateValue(Value const &inValue, ControlPtr<kivui::UI_StaticText> const &inControl)
+{
+    if (inControl) WriteValue(ResolveValue(inValue), *inControl);
+}
 
 // ---------------------------------------------------------------- read-only, disconnect
 
@@ -684,11 +758,21 @@ void Disconnect(std::shared_ptr<std::function<void(kivui::Message *)>> const &in
 
 bool IsPropertySupportedForWriting(Path const &inPath)
 {
-    const auto definition = kivmetadata::PathEntryDefinition(inPath);
+    return IsDefinitionSupportedForWriting(kivmetadata::PathEntryDefinition(inPath));
+}
+
+bool IsDefinitionSupportedForWriting(std::shared_ptr<PropertyDefinition> const &inDefinition)
+{
+    std::shared_ptr<PropertyDefinition> const &definition = inDefinition; // the name the assertion is known by
     KIV_ASSERT("src/ControlFactory", "kivmetadataui::IsPropertySupportedForWriting", definition);
     if (!definition) return false;
     // Deliberately only this type: its text form is not safe to edit.
     return definition->mTypeId != "rational";
+}
+
+ResolvedValue ResolveValue(Value const &inValue)
+{
+    return {inValue, kivmetadata::PathEntryDefinition(inValue.mPath), kivmetadata::PrimitiveTypeOfPath(inValue.mPath)};
 }
 
 std::u16string LocalizeIfKey(std::string const &inText)
@@ -776,31 +860,20 @@ std::optional<ControlKind> KindOfControl(kivui::UI_ControlView const *inControl)
     return std::nullopt;
 }
 
-void UpdateControlOfKind(Value const &inValue, ControlKind inKind, kivui::UI_ControlView *inControl)
+void UpdateControlOfKind(ResolvedValue const &inValue, ControlKind inKind, kivui::UI_ControlView *inControl)
 {
-    VisitControl(inKind, inControl, [&inValue](auto *inConcrete) {
-        UpdateControl(inValue, ControlPtr<std::remove_pointer_t<decltype(inConcrete)>>(inConcrete));
-    });
+    VisitControl(inKind, inControl, [&inValue](auto *inConcrete) { ShowValue(inValue, *inConcrete); });
 }
 
-void UpdateValueOfKind(Value const &inValue, ControlKind inKind, kivui::UI_ControlView *inControl)
+void UpdateValueOfKind(ResolvedValue const &inValue, ControlKind inKind, kivui::UI_ControlView *inControl)
 {
-    VisitControl(inKind, inControl, [&inValue](auto *inConcrete) {
-        UpdateValue(inValue, ControlPtr<std::remove_pointer_t<decltype(inConcrete)>>(inConcrete));
-    });
+    VisitControl(inKind, inControl, [&inValue](auto *inConcrete) { WriteValue(inValue, *inConcrete); });
 }
 
-bool UpdateControlOfAnyKind(Value const &inValue, kivui::UI_ControlView *inControl)
+bool UpdateControlOfAnyKind(ResolvedValue const &inValue, kivui::UI_ControlView *inControl)
 {
     std::optional<ControlKind> const kind = KindOfControl(inControl);
     if (kind) UpdateControlOfKind(inValue, *kind, inControl);
-    return kind.has_value();
-}
-
-bool UpdateValueOfAnyKind(Value const &inValue, kivui::UI_ControlView *inControl)
-{
-    std::optional<ControlKind> const kind = KindOfControl(inControl);
-    if (kind) UpdateValueOfKind(inValue, *kind, inControl);
     return kind.has_value();
 }
 

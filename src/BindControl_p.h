@@ -6,6 +6,8 @@
 #include "kivmetadataui_test_export_p.h"
 
 #include <kivmetadata/Choice.h>
+#include <kivmetadata/PrimitiveType.h>
+#include <kivmetadata/Value.h>
 
 #include <cstdint>
 #include <memory>
@@ -16,7 +18,6 @@
 namespace kivmetadata {
 struct Path;
 struct PropertyDefinition;
-struct Value;
 } // namespace kivmetadata
 
 namespace kivui {
@@ -27,10 +28,19 @@ namespace kivmetadataui {
 
 enum class ControlKind : std::uint8_t;
 
+// A value together with what the binding needs of its property, looked up
+// once, when its control is made, instead of at each showing and writing.
+struct ResolvedValue : kivmetadata::Value {
+    std::shared_ptr<kivmetadata::PropertyDefinition> mDefinition;
+    std::optional<kivmetadata::PrimitiveType> mPrimitiveType;
+};
+ResolvedValue ResolveValue(kivmetadata::Value const &inValue);
+
 // False exactly for properties whose definition names the type id
 // "rational" (their text form cannot be edited safely); asserts
 // "definition" and answers false for a path without definition.
 KIVMETADATAUI_TEST_EXPORT bool IsPropertySupportedForWriting(kivmetadata::Path const &inPath);
+bool IsDefinitionSupportedForWriting(std::shared_ptr<kivmetadata::PropertyDefinition> const &inDefinition);
 
 // The shown text of a raw value: the display text of the matching choice of
 // the definition (or of its type), else the raw value itself.
@@ -58,15 +68,11 @@ KIVMETADATAUI_TEST_EXPORT std::string MRUKeyForPath(kivmetadata::Path const &inP
 
 // Shows the value through the UpdateControl of the control's kind, or
 // writes the control back through the UpdateValue of its kind.
-void UpdateControlOfKind(kivmetadata::Value const &inValue, ControlKind inKind, kivui::UI_ControlView *inControl);
-void UpdateValueOfKind(kivmetadata::Value const &inValue, ControlKind inKind, kivui::UI_ControlView *inControl);
+void UpdateControlOfKind(ResolvedValue const &inValue, ControlKind inKind, kivui::UI_ControlView *inControl);
+void UpdateValueOfKind(ResolvedValue const &inValue, ControlKind inKind, kivui::UI_ControlView *inControl);
 
 // The same for a control of any kind made by the built-in factory; false
 // for a control of unknown kind.
-KIVMETADATAUI_TEST_EXPORT bool UpdateControlOfAnyKind(kivmetadata::Value const &inValue,
-                                                      kivui::UI_ControlView *inControl);
-// Writes back a control of any kind through the UpdateValue of its kind.
-KIVMETADATAUI_TEST_EXPORT bool UpdateValueOfAnyKind(kivmetadata::Value const &inValue,
-                                                    kivui::UI_ControlView *inControl);
+bool UpdateControlOfAnyKind(ResolvedValue const &inValue, kivui::UI_ControlView *inControl);
 
 } // namespace kivmetadataui

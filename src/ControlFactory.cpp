@@ -1,5 +1,6 @@
 #include <kivmetadataui/ControlFactory.h>
 
+#include "ControlBinding_p.h"
 #include "ControlFactory_p.h"
 
 #include <kivmetadataui/ControlKind.h>
@@ -14,7 +15,6 @@
 #include <kivcore/StringUtils.h>
 #include <kivmetadata/Definitions.h>
 #include <kivmetadata/MRULists.h>
-#include <kivmetadata/MetaDataProvider.h>
 #include <kivmetadata/PathOperations.h>
 #include <kivmetadata/PropertyDefinition.h>
 #include <kivmetadata/TypeDefinition.h>
@@ -39,7 +39,6 @@
 #include <QWidget>
 
 #include <charconv>
-#include <map>
 #include <optional>
 
 namespace kivmetadataui {
@@ -60,23 +59,6 @@ constexpr char kReadOnlySuffix[] = ", read_only";
 constexpr int kPopupEditable = 1;
 // Edit-text flags of the host's text behaviour that the editable controls carry.
 constexpr std::uint32_t kEditTextFlags = 1;
-
-// One bound control: the value, the control, and whether the binding itself
-// is showing a value (then the control's change reports are not edits).
-struct BindingState {
-    Value mValue;
-    kivui::UI_ControlView *mControl = nullptr;
-    ControlKind mKind = ControlKind::kText; // known since the control was made
-    bool mShowing = false;
-    bool mWriting = false;
-};
-
-// The binding of each live control made here, for RefreshControl.
-std::map<kivui::UI_ControlView const *, std::weak_ptr<BindingState>> &Bindings()
-{
-    static std::map<kivui::UI_ControlView const *, std::weak_ptr<BindingState>> bindings;
-    return bindings;
-}
 
 std::optional<double> NumberAttribute(ViewItem const &inViewItem, std::string const &inKey)
 {
@@ -146,16 +128,6 @@ IntrusivePtr<kivui::UI_ControlView> MakeText(Value const &inValue, ViewItem cons
     return edit;
 }
 
-// Shows the value through the binding, with the control's change reports
-// muted so that showing never counts as an edit.
-void Show(BindingState &inState)
-{
-    const bool was = inState.mShowing;
-    inState.mShowing = true;
-    UpdateControlOfKind(inState.mValue, inState.mKind, inState.mControl);
-    inState.mShowing = was;
-}
-
 } // namespace
 
 // ---------------------------------------------------------------- helpers
@@ -197,6 +169,100 @@ void FillPopup(kivui::UI_Popup &inPopup, std::vector<kivmetadata::Choice> const 
     SetChoiceData(inPopup, inChoices);
 }
 
+// ---------------------------------------------------------------- choosing
+
+namespace {
+
+// The control that suits the value, by the view item's attributes, then
+// whether it may be edited, then the definition's type id, then its
+// primitive type. Its tooltip names the property.
+IntrusivePtr<kivui::UI_ControlView> ChooseControl(ResolvedValue const &inValue, ViewItem const &inViewItem,
+                                                  bool inForViewItem, bool inReadOnly,
+                                                  std::shared_ptr<std::function<void()>> const &inSizeHandler)
+{
+    PropertyDefinition const &definition = *inValue.mDefinition;
+    const PrimitiveType type = *inValue.mPrimitiveType;
+    IntrusivePtr<kivui::UI_ControlView> control;
+
+    if (!inViewItem.mAttributes.empty()) {
+        // The names the assertions are known by.
+        ViewItem const *const viewItem = &inViewItem;
+        std::optional<PrimitiveType> const &primitiveType = inValue.mPrimitiveType;
+        if (inViewItem.HasAttribute("dropdown")) {
+            KIV_ASSERT(kUnit, "kivmetadataui::ControlFactory", !viewItem->mChoices.empty());
+            control = MakePopup(inViewItem.mChoices, inViewItem.HasAttribute("openChoice"));
+        } else if (inViewItem.HasAttribute("rating")) {
+            KIV_ASSERT(kUnit, "kivmetadataui::ControlFactory", *primitiveType == kivmetadata::kPrimitiveType_Real);
+            if (type == kivmetadata::kPrimitiveType_Real) control = MakeStarRating(inViewItem);
+        }
+    }
+
+    if (!control &&
+        (inReadOnly || inValue.mNotEditable || inViewItem.HasAttribute("readOnly") ||
+         !IsDefinitionSupportedForWriting(inValue.mDefinition)) &&
+        !kivmetadata::IsAllMetadataForcedWritable()) {
+        IntrusivePtr<kivui::UI_StaticText> text(new kivui::UI_StaticText());
+        // A view item's own choices name the values better than the definition.
+        if (!inViewItem.mChoices.empty() || !definition.mChoices.empty())
+            SetChoiceData(*text, ChoicesFromViewItem(inViewItem));
+        control = text;
+    }
+
+    if (!control && !definition.mTypeId.empty()) {
+        if (definition.mTypeId == "url") {
+            control = IntrusivePtr<kivui::UI_URLEdit>(new kivui::UI_URLEdit());
+        } else if (definition.mTypeId == "rating") {
+            control = MakeStarRating(inViewItem);
+        } else if (definition.mTypeId == "date") {
+            IntrusivePtr<UI_DateTextEdit> date(new UI_DateTextEdit());
+            if (inForViewItem) date->UI_SetNodeID(kDateNodeID);
+            if (inReadOnly) {
+                SetControlReadOnly(date);
+                date->UI_SetNodeID(date->UI_GetNodeID() + kReadOnlySuffix);
+            }
+            control = date;
+        }
+    }
+
+    if (!control) {
+        switch (type) {
+        case kivmetadata::kPrimitiveType_Integer:
+            control = MakeNumber(definition, true);
+            break;
+        case kivmetadata::kPrimitiveType_Real:
+            control = MakeNumber(definition, false);
+            break;
+        case kivmetadata::kPrimitiveType_Text:
+        case kivmetadata::kPrimitiveType_LangAlt:
+        case kivmetadata::kPrimitiveType_TextBag:
+        case kivmetadata::kPrimitiveType_TextSeq:
+            control = MakeText(inValue, inViewItem, inReadOnly, inSizeHandler);
+            break;
+        case kivmetadata::kPrimitiveType_Boolean: {
+            IntrusivePtr<kivui::UI_Checkbox> box(new kivui::UI_Checkbox());
+            const float size = kivui::UI_Checkbox::DefaultCheckSize();
+            box->UI_SetLocalRectF(kivcore::RectF(0, 0, size, size));
+            control = box;
+            break;
+        }
+        case kivmetadata::kPrimitiveType_OpenChoice:
+            control = MakePopup(ChoicesFromViewItem(inViewItem), true);
+            break;
+        case kivmetadata::kPrimitiveType_ClosedChoice:
+            control = MakePopup(ChoicesFromViewItem(inViewItem), false);
+            break;
+        default:
+            KIV_ASSERT(kUnit, "kivmetadataui::ControlFactory", false);
+            return {};
+        }
+    }
+
+    control->SetToolTip(ComposeTooltip(inValue.mDefinition));
+    return control;
+}
+
+} // namespace
+
 // ---------------------------------------------------------------- factory
 
 std::shared_ptr<Control> ControlFactory(Value const &inValue, std::shared_ptr<ViewItem> inViewItem,
@@ -204,9 +270,10 @@ std::shared_ptr<Control> ControlFactory(Value const &inValue, std::shared_ptr<Vi
                                         std::shared_ptr<std::function<void(kivui::Message *)>> const &inOnChanged,
                                         std::shared_ptr<std::function<void()>> const &inOnSizeChanged)
 {
-    const auto definition = kivmetadata::PathEntryDefinition(inValue.mPath);
-    const auto primitiveType = kivmetadata::PrimitiveTypeOfPath(inValue.mPath);
-    if (!(definition && primitiveType)) {
+    ResolvedValue resolved = ResolveValue(inValue);
+    if (!(resolved.mDefinition && resolved.mPrimitiveType)) {
+        auto const &definition = resolved.mDefinition;
+        auto const &primitiveType = resolved.mPrimitiveType;
         KIV_ASSERT(kUnit, "kivmetadataui::ControlFactory", definition && primitiveType);
         return {};
     }
@@ -227,124 +294,18 @@ std::shared_ptr<Control> ControlFactory(Value const &inValue, std::shared_ptr<Vi
         if (inOnSizeChanged && *inOnSizeChanged) (*inOnSizeChanged)();
     });
 
-    std::shared_ptr<ViewItem> const &viewItem = inViewItem;
-    IntrusivePtr<kivui::UI_ControlView> control;
-
-    if (!viewItem->mAttributes.empty()) {
-        if (viewItem->HasAttribute("dropdown")) {
-            KIV_ASSERT(kUnit, "kivmetadataui::ControlFactory", !viewItem->mChoices.empty());
-            control = MakePopup(viewItem->mChoices, viewItem->HasAttribute("openChoice"));
-        } else if (viewItem->HasAttribute("rating")) {
-            KIV_ASSERT(kUnit, "kivmetadataui::ControlFactory", *primitiveType == kivmetadata::kPrimitiveType_Real);
-            if (*primitiveType == kivmetadata::kPrimitiveType_Real) control = MakeStarRating(*viewItem);
-        }
-    }
-
-    if (!control &&
-        (inReadOnly || inValue.mNotEditable || viewItem->HasAttribute("readOnly") ||
-         !IsPropertySupportedForWriting(inValue.mPath)) &&
-        !kivmetadata::IsAllMetadataForcedWritable()) {
-        IntrusivePtr<kivui::UI_StaticText> text(new kivui::UI_StaticText());
-        // A view item's own choices name the values better than the definition.
-        if (!viewItem->mChoices.empty() || !definition->mChoices.empty())
-            SetChoiceData(*text, ChoicesFromViewItem(*viewItem));
-        control = text;
-    }
-
-    if (!control && !definition->mTypeId.empty()) {
-        if (definition->mTypeId == "url") {
-            control = IntrusivePtr<kivui::UI_URLEdit>(new kivui::UI_URLEdit());
-        } else if (definition->mTypeId == "rating") {
-            control = MakeStarRating(*viewItem);
-        } else if (definition->mTypeId == "date") {
-            IntrusivePtr<UI_DateTextEdit> date(new UI_DateTextEdit());
-            if (forViewItem) date->UI_SetNodeID(kDateNodeID);
-            if (inReadOnly) {
-                SetControlReadOnly(date);
-                date->UI_SetNodeID(date->UI_GetNodeID() + kReadOnlySuffix);
-            }
-            control = date;
-        }
-    }
-
-    if (!control) {
-        switch (*primitiveType) {
-        case kivmetadata::kPrimitiveType_Integer:
-            control = MakeNumber(*definition, true);
-            break;
-        case kivmetadata::kPrimitiveType_Real:
-            control = MakeNumber(*definition, false);
-            break;
-        case kivmetadata::kPrimitiveType_Text:
-        case kivmetadata::kPrimitiveType_LangAlt:
-        case kivmetadata::kPrimitiveType_TextBag:
-        case kivmetadata::kPrimitiveType_TextSeq:
-            control = MakeText(inValue, *viewItem, inReadOnly, sizeHandler);
-            break;
-        case kivmetadata::kPrimitiveType_Boolean: {
-            IntrusivePtr<kivui::UI_Checkbox> box(new kivui::UI_Checkbox());
-            const float size = kivui::UI_Checkbox::DefaultCheckSize();
-            box->UI_SetLocalRectF(kivcore::RectF(0, 0, size, size));
-            control = box;
-            break;
-        }
-        case kivmetadata::kPrimitiveType_OpenChoice:
-            control = MakePopup(ChoicesFromViewItem(*viewItem), true);
-            break;
-        case kivmetadata::kPrimitiveType_ClosedChoice:
-            control = MakePopup(ChoicesFromViewItem(*viewItem), false);
-            break;
-        default:
-            KIV_ASSERT(kUnit, "kivmetadataui::ControlFactory", false);
-            return {};
-        }
-    }
-
-    control->SetToolTip(ComposeTooltip(definition));
-
+    IntrusivePtr<kivui::UI_ControlView> control =
+        ChooseControl(resolved, *inViewItem, forViewItem, inReadOnly, sizeHandler);
+    if (!control) return {};
     std::optional<ControlKind> const kind = KindOfControl(control.get());
     if (!kind) {
         KIV_ASSERT(kUnit, "kivmetadataui::ControlFactory", kind);
         return {};
     }
-    auto state = std::make_shared<BindingState>();
-    state->mValue = inValue;
-    state->mControl = control.get();
-    state->mKind = *kind;
-    Show(*state);
-
-    // Edits go back to the provider; the state lives as long as this handler.
-    auto changedHandler =
-        std::make_shared<std::function<void(kivui::Message *)>>([state, inOnChanged](kivui::Message *inMessage) {
-            if (state->mShowing || state->mWriting) return;
-            state->mWriting = true;
-            UpdateValueOfKind(state->mValue, state->mKind, state->mControl);
-            state->mWriting = false;
-            if (inOnChanged && *inOnChanged) (*inOnChanged)(inMessage);
-        });
-    control->NotifyWhenChanged(changedHandler);
-
-    // Later changes of the provider are shown, except those this control made
-    // and a text being typed.
-    std::weak_ptr<BindingState> weakState = state;
-    auto metaHandler =
-        std::make_shared<kivmetadata::MetaDataProvider::ChangeListener>([weakState](kivmetadata::XMPMeta *) {
-            auto bound = weakState.lock();
-            if (!bound || bound->mWriting) return;
-            if (auto *text = dynamic_cast<kivui::UI_TextEdit *>(bound->mControl); text && text->IsEditing()) return;
-            Show(*bound);
-        });
-    if (inValue.mProvider) inValue.mProvider->AddChangeListener(metaHandler);
-
-    kivui::UI_ControlView const *key = control.get();
-    Bindings()[key] = state;
-
+    std::shared_ptr<Control> bound =
+        ControlBinding::Bind(control, *kind, std::move(resolved), inOnChanged, sizeHandler);
     if (auto *container = dynamic_cast<kivui::UI_Container *>(inParent.get())) container->ChildPushBack(control);
-
-    return std::make_shared<Control>(control, [changedHandler, metaHandler, sizeHandler, key] {
-        Bindings().erase(key);
-        Disconnect(changedHandler, metaHandler, sizeHandler, nullptr);
-    });
+    return bound;
 }
 
 std::shared_ptr<Control> ControlFactory(Value const &inValue, IntrusivePtr<kivui::UI_Node> inParent, bool inReadOnly,
@@ -362,9 +323,10 @@ std::shared_ptr<Control> InlineControlFactory(Value const &inValue, IntrusivePtr
 
 void RefreshControl(Value const &inValue, std::shared_ptr<Control> const &inControl, bool inEvenWhileEditing)
 {
-    const auto definition = kivmetadata::PathEntryDefinition(inValue.mPath);
-    const auto primitiveType = kivmetadata::PrimitiveTypeOfPath(inValue.mPath);
-    if (!(definition && primitiveType && inControl)) {
+    ResolvedValue resolved = ResolveValue(inValue);
+    if (!(resolved.mDefinition && resolved.mPrimitiveType && inControl)) {
+        auto const &definition = resolved.mDefinition;
+        auto const &primitiveType = resolved.mPrimitiveType;
         KIV_ASSERT(kUnit, "kivmetadataui::RefreshControl", definition && primitiveType && inControl);
         return;
     }
@@ -377,14 +339,10 @@ void RefreshControl(Value const &inValue, std::shared_ptr<Control> const &inCont
     if (!control) return;
     if (auto *text = dynamic_cast<kivui::UI_TextEdit *>(control); text && text->IsEditing() && !inEvenWhileEditing)
         return;
-    auto bound = Bindings().find(control);
-    std::shared_ptr<BindingState> state = bound != Bindings().end() ? bound->second.lock() : nullptr;
-    if (state) {
-        state->mValue = inValue;
-        Show(*state);
-    } else {
-        UpdateControlOfAnyKind(inValue, control);
-    }
+    if (std::shared_ptr<ControlBinding> binding = ControlBinding::Of(control))
+        binding->Show(std::move(resolved));
+    else
+        UpdateControlOfAnyKind(resolved, control);
 }
 
 void ExcludePath(Path const &inPath)

@@ -1,5 +1,6 @@
 #pragma once
-// Internal to kivmetadataui: helpers of the control factory. Not API;
+// Internal to kivmetadataui: helpers of the control factory, which chooses
+// the control for a value (ControlBinding binds it). Not API;
 // exported only so that the library's tests reach them.
 
 #include "BindControl_p.h"
