@@ -186,7 +186,8 @@ std::u16string FormatDateTimeStr(kivmetadata::XMP_DateTime const &value)
     for (char16_t &c : text) {
         if (c == u'T') c = u' ';
     }
-    if (value.hasTimeZone) {
+    // A zone east or west of UTC is set apart: "+02:00"; UTC stays "Z".
+    if (value.hasTimeZone && value.tzSign != 0) {
         const char16_t sign = value.tzSign > 0 ? u'+' : u'-';
         const std::size_t at = text.rfind(sign);
         if (at != std::u16string::npos) text.insert(at, 1, u' ');
