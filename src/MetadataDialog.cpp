@@ -36,6 +36,8 @@
 #include <QPointer>
 #include <QProgressDialog>
 #include <QPushButton>
+#include <QStyle>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -299,7 +301,11 @@ void MetadataDialog::BuildFrame()
     connect(d->mButtons, &QDialogButtonBox::accepted, this, &MetadataDialog::OnOk);
     connect(d->mButtons, &QDialogButtonBox::rejected, this, &MetadataDialog::reject);
     d->mButtons->button(QDialogButtonBox::Ok)->setEnabled(false);
-    resize(840, 780);
+    // Wide enough that every panel's tab shows without scrolling the tab bar.
+    QMargins const margins = d->mLayout->contentsMargins();
+    int const tabsWidth = d->mTabs->tabBar()->sizeHint().width() + margins.left() + margins.right() +
+                          2 * d->mTabs->style()->pixelMetric(QStyle::PM_DefaultFrameWidth, nullptr, d->mTabs) + 8;
+    resize(std::max(840, tabsWidth), 780);
 }
 
 void MetadataDialog::Bind()
