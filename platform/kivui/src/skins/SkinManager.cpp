@@ -6,11 +6,10 @@
 #include <kivui/SkinSingleton.h>
 
 #include "skins/BaseSkins_p.h"
+#include "skins/SkinStyle_p.h"
 
 #include <QApplication>
 #include <QFont>
-#include <QStyle>
-#include <QStyleFactory>
 
 #include <algorithm>
 #include <map>
@@ -155,9 +154,7 @@ void SkinManager::Apply()
     auto *app = qobject_cast<QApplication *>(QCoreApplication::instance());
     if (!app) return;
     // One widget style under both looks, so that only the skins make the difference.
-    if (QApplication::style()->name().compare(QLatin1String("fusion"), Qt::CaseInsensitive) != 0) {
-        if (QStyle *fusion = QStyleFactory::create(QStringLiteral("Fusion"))) QApplication::setStyle(fusion);
-    }
+    if (!dynamic_cast<detail::SkinStyle *>(QApplication::style())) QApplication::setStyle(new detail::SkinStyle());
     QFont font(QStringLiteral("DejaVu Sans"));
     font.setPixelSize(detail::BaseFontPixelSize(s.version));
     font.setStyleHint(QFont::SansSerif);
