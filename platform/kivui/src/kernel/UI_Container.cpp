@@ -6,6 +6,7 @@
 #include <kivcore/Assert.h>
 
 #include <algorithm>
+#include <unordered_set>
 
 namespace kivui {
 
@@ -60,6 +61,26 @@ void UI_Container::ChildRemove(UI_Node *inChild)
         w->setParent(nullptr);
     }
     NotifySubtreeChanged(inChild);
+}
+
+void UI_Container::ChildrenRemove(std::vector<UI_Node *> const &inChildren)
+{
+    std::unordered_set<UI_Node const *> const leaving(inChildren.begin(), inChildren.end());
+    std::vector<kivcore::utility::IntrusivePtr<UI_Node>> removed;
+    for (auto const &child : d->children)
+        if (leaving.count(child.get())) removed.push_back(child);
+    std::erase_if(d->children, [&leaving](auto const &child) { return leaving.count(child.get()) > 0; });
+    for (auto const &child : removed) {
+        child->d->parent = nullptr;
+        if (child->RefCount() > 1) { // held elsewhere too: lives on without our widget
+            if (QWidget *w = child->UI_GetWidget()) {
+                w->hide();
+                w->setParent(nullptr);
+            }
+            NotifySubtreeChanged(child.get());
+        }
+    }
+    // Releasing `removed` destroys the others, widgets included.
 }
 
 void UI_Container::DeleteChildren()

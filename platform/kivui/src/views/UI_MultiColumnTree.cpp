@@ -216,12 +216,17 @@ void UI_MultiColumnTree::Private::Unplace(Row &inRow)
     if (index.isValid()) view->setIndexWidget(index, nullptr);
 }
 
-void UI_MultiColumnTree::Private::Forget(Row &inRow, bool inDetachCells)
+void UI_MultiColumnTree::Private::Forget(Row &inRow, bool inDetachCells, std::vector<UI_Node *> *outCells)
 {
     for (auto const &child : inRow.mChildren)
-        Forget(*child, inDetachCells);
+        Forget(*child, inDetachCells, outCells);
     Unplace(inRow);
-    if (inDetachCells && inRow.mCellView) tree.ChildRemove(inRow.mCellView.get());
+    if (inDetachCells && inRow.mCellView) {
+        if (outCells)
+            outCells->push_back(inRow.mCellView.get());
+        else
+            tree.ChildRemove(inRow.mCellView.get());
+    }
     if (inRow.mHeight > 0.0f) --customHeightRows;
     inRow.mVisible = false;
     inRow.mTree = nullptr;
@@ -448,13 +453,18 @@ void UI_MultiColumnTree::RemoveRow(RowPtr const &inRow)
 
 void UI_MultiColumnTree::DeleteAllRows()
 {
+    // The cells leave together once the rows are gone, so that those of rows
+    // nobody holds any more go with them instead of each being taken out of
+    // the window.
+    std::vector<UI_Node *> cells;
     for (auto const &row : d->root->mChildren)
-        d->Forget(*row, true);
+        d->Forget(*row, true, &cells);
     d->model->RemoveAll();
     d->customHeightRows = 0;
     d->view->setUniformRowHeights(true);
     d->visible.clear();
     d->placed.clear();
+    ChildrenRemove(cells);
 }
 
 int UI_MultiColumnTree::CountRows() const

@@ -138,7 +138,10 @@ struct UI_MultiColumnTree::Private {
     void Place(UI_MultiColumnTreeRow &inRow);
     void Unplace(UI_MultiColumnTreeRow &inRow);
     // Unplaces and forgets a subtree that leaves the tree.
-    void Forget(UI_MultiColumnTreeRow &inRow, bool inDetachCells);
+    // Takes the row and its descendants out of the tree. Their cell views
+    // are detached from the tree at once, or, with `outCells`, collected
+    // there for the caller to detach together.
+    void Forget(UI_MultiColumnTreeRow &inRow, bool inDetachCells, std::vector<UI_Node *> *outCells = nullptr);
     void CellViewChanged(UI_MultiColumnTreeRow &inRow, kivcore::utility::IntrusivePtr<UI_SubView> const &inOld);
     void HeightChanged(UI_MultiColumnTreeRow &inRow, float inOld);
     void OnExpansion(QModelIndex const &inIndex, bool inOpened);
