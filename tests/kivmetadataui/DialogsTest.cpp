@@ -24,7 +24,6 @@
 #include <kivui/drawbot/QtSupplier.h>
 
 #include <QComboBox>
-#include <QDialog>
 #include <QLabel>
 #include <QPainter>
 #include <QPushButton>
@@ -69,22 +68,12 @@ protected:
         kivmetadataui::Terminate();
     }
     PrefManager *MakePrefs() { return PrefManager::CreateAtPath(mDir.filePath(QStringLiteral("prefs.ini"))); }
-    std::shared_ptr<PrefManager> SharedPrefs()
-    {
-        // The store is process-wide; the dialog only borrows it.
-        return std::shared_ptr<PrefManager>(std::shared_ptr<void>(), MakePrefs());
-    }
-    static PointF SizeOf(kivui::UI_Node const &inNode)
-    {
-        RectF const rect = inNode.UI_GetGlobalStructureRect();
-        return PointF{rect.width, rect.height};
-    }
 
     QTemporaryDir mDir;
     kivui::drawbot::QtSupplier mSupplier;
 };
 
-TEST_F(DialogsTest, ErrorDialogListsTheModelsErrorsInOrderFromItsOwnCopies)
+TEST_F(DialogsTest, ErrorDialogListsTheModelsErrorsFromItsOwnCopiesAndOpensTheLink)
 {
     kivmetadata::AddErrorInfo("Unreadable packet", "/photos/a.jpg");
     kivmetadata::AddErrorInfo("Invalid date \xE2\x80\x9C"
@@ -101,34 +90,20 @@ TEST_F(DialogsTest, ErrorDialogListsTheModelsErrorsInOrderFromItsOwnCopies)
     for (char const *id : {"okButtonID", "errorListID", "errorLinkID", "errorLinkLabelID"}) {
         EXPECT_NE(dialog->FindNode(id), nullptr) << id;
     }
-    EXPECT_EQ(dialog->GetOkButton(), dialog->FindNode("okButtonID"));
-
     auto list = dialog->FindControl<kivui::UI_MultiColumnTree>("errorListID");
     EXPECT_EQ(list->GetColumnCount(), 2);
     EXPECT_EQ(list->GetColumnHeader(0), u"Description");
     EXPECT_EQ(list->GetColumnHeader(1), u"Context");
-    EXPECT_TRUE(list->IsHeaderShown());
-    EXPECT_TRUE(list->HasGridLines());
-    EXPECT_FALSE(list->IsSortIndicatorShown());
-    EXPECT_FALSE(list->AreColumnsMovable());
-    EXPECT_TRUE(list->AreColumnsAutoResize());
-    EXPECT_EQ(list->GetColumnWidth(0), 200.0f);
 
-    struct Row {
-        std::u16string description, context;
-    };
-    std::vector<Row> const expected = {
-        {u"Unreadable packet", u"/photos/a.jpg"},
-        {u"Invalid date \u201C2024-13-01\u201D", u"xmp:CreateDate"},
-        {u"Cannot write settings", u""},
-    };
-    ASSERT_EQ(list->CountRows(), 3);
-    ASSERT_EQ(dialog->CountErrors(), 3);
-    for (int i = 0; i < 3; ++i) {
-        SCOPED_TRACE(i);
-        EXPECT_EQ(dialog->GetRowDescription(i), expected[std::size_t(i)].description);
-        EXPECT_EQ(dialog->GetRowContext(i), expected[std::size_t(i)].context);
-    }
+    std::vector<std::pair<std::u16string, std::u16string>> rows;
+    for (int i = 0; i < dialog->CountErrors(); ++i)
+        rows.emplace_back(dialog->GetRowDescription(i), dialog->GetRowContext(i));
+    EXPECT_EQ(rows, (std::vector<std::pair<std::u16string, std::u16string>>{
+                        {u"Unreadable packet", u"/photos/a.jpg"},
+                        {u"Invalid date \u201C2024-13-01\u201D", u"xmp:CreateDate"},
+                        {u"Cannot write settings", u""},
+                    }));
+    EXPECT_EQ(list->CountRows(), 3);
 
     // The cells are painted from those copies: column 0 and column 1 differ.
     QImage image(200, 20, QImage::Format_ARGB32);
@@ -142,11 +117,23 @@ TEST_F(DialogsTest, ErrorDialogListsTheModelsErrorsInOrderFromItsOwnCopies)
     QImage const description = paintCell(0, 0);
     QImage const context = paintCell(0, 1);
     QImage const emptyContext = paintCell(2, 1);
-    QImage blank(200, 20, QImage::Format_ARGB32);
-    blank.fill(Qt::white);
+    QImage const blank = paintCell(0, 2); // there is no third column
     EXPECT_NE(description, blank);
     EXPECT_NE(description, context);
     EXPECT_EQ(emptyContext, blank);
+
+    // The link opens the XMP page through the opener.
+    std::vector<std::u16string> opened;
+    MetadataErrorDialog::SetLinkOpener([&](std::u16string const &address) {
+        opened.push_back(address);
+        return true;
+    });
+    auto link = dialog->FindControl<kivui::UI_StaticText>("errorLinkID");
+    EXPECT_EQ(link->GetText(), MetadataErrorDialog::GetLinkAddress());
+    ScriptedResponses::PushAction([&](QWidget *) { QTest::mouseClick(link->GetLabel(), Qt::LeftButton); },
+                                  ScriptedAnswer::kOk);
+    dialog->RunModal();
+    EXPECT_EQ(opened, std::vector<std::u16string>{MetadataErrorDialog::GetLinkAddress()});
 
     // Without errors the list has only its header.
     kivmetadata::ClearErrorInfos();
@@ -154,54 +141,40 @@ TEST_F(DialogsTest, ErrorDialogListsTheModelsErrorsInOrderFromItsOwnCopies)
     EXPECT_EQ(empty->FindControl<kivui::UI_MultiColumnTree>("errorListID")->CountRows(), 0);
 }
 
-TEST_F(DialogsTest, ErrorDialogWindowRectangleIsKeptUnderItsNodeID)
+TEST_F(DialogsTest, DialogsOpenAtTheSizeKeptUnderTheirNodeIDAndKeepItOnClosing)
 {
+    auto error = [this] { return Ptr<kivui::UI_ArchivedDialog>(new MetadataErrorDialog(&mSupplier, nullptr, true)); };
+    auto panel = [this] { return Ptr<kivui::UI_ArchivedDialog>(new PanelConversionDialog(&mSupplier, nullptr)); };
     struct Case {
         char const *name;
+        std::function<Ptr<kivui::UI_ArchivedDialog>()> make;
+        char const *id;
         std::optional<RectF> saved;
         PointF size;
+        ScriptedAnswer close;
     };
     std::vector<Case> const cases = {
-        {"nothing saved", std::nullopt, {600, 280}},
-        {"saved 0 by 0", RectF{10, 20, 0, 0}, {600, 280}},
-        {"saved size", RectF{40, 50, 720, 330}, {720, 330}},
+        {"error, nothing saved", error, "MetadataErrorDialog", std::nullopt, {600, 280}, ScriptedAnswer::kOk},
+        {"error, saved size", error, "MetadataErrorDialog", RectF{40, 50, 720, 330}, {720, 330}, ScriptedAnswer::kOk},
+        {"panel", panel, "PanelConversionDialog", RectF{30, 40, 610, 420}, {610, 420}, ScriptedAnswer::kCancel},
     };
     for (Case const &c : cases) {
         SCOPED_TRACE(c.name);
         PrefManager *prefs = MakePrefs();
-        prefs->Remove("MetadataErrorDialog");
-        if (c.saved) prefs->SetWindowPositionAndSize("MetadataErrorDialog", *c.saved);
-        Ptr<MetadataErrorDialog> dialog(new MetadataErrorDialog(&mSupplier, nullptr, true));
-        EXPECT_EQ(SizeOf(*dialog), c.size);
+        prefs->Remove(c.id);
+        if (c.saved) prefs->SetWindowPositionAndSize(c.id, *c.saved);
+        Ptr<kivui::UI_ArchivedDialog> dialog = c.make();
+        EXPECT_EQ(dialog->UI_GetGlobalStructureRect().Size(), c.size);
+        // Closing keeps the rectangle for the next opening.
+        dialog->UI_SetGlobalStructureRect(RectF{60, 70, 700, 450});
+        ScriptedResponses::PushAction([](QWidget *) {}, c.close);
+        dialog->RunModal();
+        EXPECT_EQ(prefs->GetWindowPositionAndSize(c.id).Size(), (PointF{700, 450}));
         PrefManager::Destroy();
     }
-
-    // Closing keeps the rectangle for the next opening.
-    PrefManager *prefs = MakePrefs();
-    Ptr<MetadataErrorDialog> dialog(new MetadataErrorDialog(&mSupplier, nullptr, true));
-    dialog->UI_SetGlobalStructureRect(RectF{60, 70, 640, 300});
-    ScriptedResponses::PushOk();
-    EXPECT_TRUE(dialog->RunModal());
-    EXPECT_EQ(prefs->GetWindowPositionAndSize("MetadataErrorDialog").Size(), (PointF{640, 300}));
 }
 
-TEST_F(DialogsTest, ErrorDialogLinkOpensTheXMPPageThroughTheOpener)
-{
-    std::vector<std::u16string> opened;
-    MetadataErrorDialog::SetLinkOpener([&](std::u16string const &address) {
-        opened.push_back(address);
-        return true;
-    });
-    Ptr<MetadataErrorDialog> dialog(new MetadataErrorDialog(&mSupplier, nullptr, true));
-    auto link = dialog->FindControl<kivui::UI_StaticText>("errorLinkID");
-    EXPECT_EQ(link->GetText(), MetadataErrorDialog::GetLinkAddress());
-    ScriptedResponses::PushAction([&](QWidget *) { QTest::mouseClick(link->GetLabel(), Qt::LeftButton); },
-                                  ScriptedAnswer::kOk);
-    dialog->RunModal();
-    EXPECT_EQ(opened, std::vector<std::u16string>{MetadataErrorDialog::GetLinkAddress()});
-}
-
-TEST_F(DialogsTest, TemplateOptionsDialogShowsItsOptionsAndIdentifiers)
+TEST_F(DialogsTest, TemplateOptionsDialogShowsItsOptions)
 {
     Ptr<MetadataTemplateImportOptionsDialog> dialog(
         new MetadataTemplateImportOptionsDialog(&mSupplier, nullptr, nullptr));
@@ -231,99 +204,50 @@ TEST_F(DialogsTest, TemplateOptionsDialogShowsItsOptionsAndIdentifiers)
         EXPECT_EQ(group->GetButton(i)->text().toStdU16String(), options[std::size_t(i)].text);
         EXPECT_EQ(group->GetButton(i)->toolTip().toStdU16String(), options[std::size_t(i)].toolTip);
     }
-    QWidget *buttons = dialog->FindWidget("okCancelGroupID");
-    ASSERT_NE(buttons, nullptr);
-    EXPECT_EQ(dialog->GetOkButton(), dialog->FindNode("okButtonID"));
-    EXPECT_EQ(dialog->GetCancelButton(), dialog->FindNode("cancelButtonID"));
-    EXPECT_TRUE(buttons->isAncestorOf(dialog->GetOkButton()->UI_GetWidget()));
-    EXPECT_TRUE(buttons->isAncestorOf(dialog->GetCancelButton()->UI_GetWidget()));
-    EXPECT_EQ(static_cast<kivui::UI_TextButton *>(dialog->GetCancelButton())->GetText(), u"Cancel");
 }
 
-TEST_F(DialogsTest, TemplateOptionsDialogOffersTheStoredChoiceAndMapsIndexes)
-{
-    struct Case {
-        char const *name;
-        std::optional<std::int64_t> stored;
-        int selected;
-        kivmetadata::TemplateImportOptions options;
-    };
-    std::vector<Case> const cases = {
-        {"first import", std::nullopt, 0, kivmetadata::kTemplateImport_ClearAndReplace},
-        {"clear and replace", 0, 0, kivmetadata::kTemplateImport_ClearAndReplace},
-        {"keep and replace", 1, 1, kivmetadata::kTemplateImport_KeepAndReplace},
-        {"keep and append", 2, 2, kivmetadata::kTemplateImport_KeepAndAppend},
-        {"out of range selects none", 7, -1, kivmetadata::kTemplateImport_KeepAndAppend},
-    };
-    for (Case const &c : cases) {
-        SCOPED_TRACE(c.name);
-        auto prefs = SharedPrefs();
-        prefs->Remove("templateImportOptions");
-        if (c.stored) prefs->SetInt("templateImportOptions", *c.stored);
-        Ptr<MetadataTemplateImportOptionsDialog> dialog(
-            new MetadataTemplateImportOptionsDialog(&mSupplier, kivmetadataui::module::GetResourceManager(), prefs));
-        EXPECT_EQ(dialog->GetOptionsGroup()->GetValue(), c.selected);
-        EXPECT_EQ(dialog->GetOptions(), c.options);
-        PrefManager::Destroy();
-    }
-    EXPECT_EQ(MetadataTemplateImportOptionsDialog::OptionsForIndex(-1), kivmetadata::kTemplateImport_KeepAndAppend);
-    EXPECT_EQ(MetadataTemplateImportOptionsDialog::OptionsForIndex(3), kivmetadata::kTemplateImport_KeepAndAppend);
-}
-
-TEST_F(DialogsTest, TemplateOptionsDialogRemembersTheChoiceOnOkAndOnCancel)
+TEST_F(DialogsTest, TemplateOptionsDialogOffersTheStoredChoiceAndRemembersTheNewOne)
 {
     struct Case {
         char const *name;
         bool withStore;
+        std::optional<std::int64_t> stored;
+        int selected;
+        kivmetadata::TemplateImportOptions options;
         int click;
         ScriptedAnswer answer;
-        bool accepted;
     };
     std::vector<Case> const cases = {
-        {"OK", true, 2, ScriptedAnswer::kOk, true},
-        {"Cancel", true, 1, ScriptedAnswer::kCancel, false},
-        {"without a store", false, 1, ScriptedAnswer::kOk, true},
+        {"first import", true, std::nullopt, 0, kivmetadata::kTemplateImport_ClearAndReplace, 2, ScriptedAnswer::kOk},
+        // Remembered on Cancel too.
+        {"keep and replace", true, 1, 1, kivmetadata::kTemplateImport_KeepAndReplace, 2, ScriptedAnswer::kCancel},
+        {"keep and append", true, 2, 2, kivmetadata::kTemplateImport_KeepAndAppend, 1, ScriptedAnswer::kOk},
+        {"out of range selects none", true, 7, -1, kivmetadata::kTemplateImport_KeepAndAppend, 0, ScriptedAnswer::kOk},
+        // Without a store the stored choice is neither read nor written.
+        {"without a store", false, 1, 0, kivmetadata::kTemplateImport_ClearAndReplace, 1, ScriptedAnswer::kOk},
     };
     for (Case const &c : cases) {
         SCOPED_TRACE(c.name);
         PrefManager *global = MakePrefs();
         global->Remove("templateImportOptions");
+        if (c.stored) global->SetInt("templateImportOptions", *c.stored);
         std::shared_ptr<PrefManager> store;
+        // The store is process-wide; the dialog only borrows it.
         if (c.withStore) store = std::shared_ptr<PrefManager>(std::shared_ptr<void>(), global);
         Ptr<MetadataTemplateImportOptionsDialog> dialog(
             new MetadataTemplateImportOptionsDialog(&mSupplier, kivmetadataui::module::GetResourceManager(), store));
+        EXPECT_EQ(dialog->GetOptionsGroup()->GetValue(), c.selected);
+        EXPECT_EQ(dialog->GetOptions(), c.options);
+
         QRadioButton *button = dialog->GetOptionsGroup()->GetButton(c.click);
         ScriptedResponses::PushAction([&](QWidget *) { QTest::mouseClick(button, Qt::LeftButton, {}, QPoint(6, 6)); },
                                       c.answer);
-        EXPECT_EQ(dialog->RunModal(), c.accepted);
+        EXPECT_EQ(dialog->RunModal(), c.answer == ScriptedAnswer::kOk);
         EXPECT_EQ(dialog->GetOptions(), MetadataTemplateImportOptionsDialog::OptionsForIndex(c.click));
-        std::optional<std::int64_t> const stored = global->GetInt("templateImportOptions");
-        if (c.withStore)
-            EXPECT_EQ(stored, std::optional<std::int64_t>(c.click));
-        else
-            EXPECT_FALSE(stored.has_value());
+        EXPECT_EQ(global->GetInt("templateImportOptions"),
+                  c.withStore ? std::optional<std::int64_t>(c.click) : c.stored);
         PrefManager::Destroy();
     }
-}
-
-TEST_F(DialogsTest, PanelConversionDialogStartsDisabledWithTheVersionList)
-{
-    Ptr<PanelConversionDialog> dialog(new PanelConversionDialog(&mSupplier, nullptr));
-    EXPECT_EQ(dialog->GetTitle(), u"Generic Panel Converter");
-    EXPECT_EQ(dialog->UI_GetNodeID(), "PanelConversionDialog");
-    kivui::UI_Popup *popup = dialog->GetVersionPopup();
-    ASSERT_EQ(popup, dialog->FindNode("versionPopupID"));
-    EXPECT_EQ(dialog->GetStartButton(), dialog->FindNode("startButtonID"));
-    EXPECT_EQ(dialog->GetResultText(), dialog->FindNode("resultTextID"));
-    EXPECT_EQ(dialog->GetOkButton(), dialog->FindNode("exitButtonID"));
-    std::vector<std::u16string> const items = {u"Select Version...", u"", u"GY/GX6", u"GX5", u"GX4"};
-    ASSERT_EQ(popup->CountItems(), 5);
-    for (int i = 0; i < 5; ++i)
-        EXPECT_EQ(popup->GetItemText(i), items[std::size_t(i)]) << i;
-    EXPECT_FALSE(popup->IsItemEnabled(1));
-    EXPECT_EQ(popup->GetValue(), 0);
-    EXPECT_TRUE(dialog->GetStartButton()->IsDisabled());
-    EXPECT_FALSE(dialog->GetStartButton()->GetButton()->isEnabled());
 }
 
 TEST_F(DialogsTest, PanelConversionDialogConvertsTheChosenVersion)
@@ -334,6 +258,17 @@ TEST_F(DialogsTest, PanelConversionDialogConvertsTheChosenVersion)
         report = u"converted " + std::u16string(1, char16_t(u'0' + versions.size()));
         return true;
     });
+    Ptr<PanelConversionDialog> dialog(new PanelConversionDialog(&mSupplier, nullptr));
+    EXPECT_EQ(dialog->GetTitle(), u"Generic Panel Converter");
+    kivui::UI_Popup *popup = dialog->GetVersionPopup();
+    std::vector<std::u16string> items;
+    for (int i = 0; i < popup->CountItems(); ++i)
+        items.push_back(popup->GetItemText(i));
+    EXPECT_EQ(items, (std::vector<std::u16string>{u"Select Version...", u"", u"GY/GX6", u"GX5", u"GX4"}));
+    EXPECT_FALSE(popup->IsItemEnabled(1));
+    EXPECT_EQ(popup->GetValue(), 0);
+    EXPECT_FALSE(dialog->GetStartButton()->GetButton()->isEnabled()) << "no version chosen yet";
+
     struct Case {
         int value;
         bool startEnabled;
@@ -346,14 +281,13 @@ TEST_F(DialogsTest, PanelConversionDialogConvertsTheChosenVersion)
         // A press that reaches the dialog on "Select Version..." does nothing.
         {0, false, std::nullopt},
     };
-    Ptr<PanelConversionDialog> dialog(new PanelConversionDialog(&mSupplier, nullptr));
     for (Case const &c : cases) {
         SCOPED_TRACE(c.value);
         versions.clear();
         dialog->GetResultText()->SetValue(u"previous", false);
         // As the user chooses: through the combo box, which notifies the dialog.
-        dialog->GetVersionPopup()->GetComboBox()->setCurrentIndex(c.value);
-        dialog->GetVersionPopup()->GetComboBox()->activated(c.value);
+        popup->GetComboBox()->setCurrentIndex(c.value);
+        popup->GetComboBox()->activated(c.value);
         EXPECT_EQ(dialog->GetStartButton()->IsEnabled(), c.startEnabled);
         dialog->OnStartClicked();
         if (c.version) {
@@ -364,32 +298,16 @@ TEST_F(DialogsTest, PanelConversionDialogConvertsTheChosenVersion)
             EXPECT_EQ(dialog->GetResultText()->GetValue(), u"previous");
         }
     }
-    EXPECT_EQ(PanelConversionDialog::VersionForPopupValue(9), kivmetadata::utility::kGXVersion_GX4);
 
     // The Start button itself runs the conversion.
     versions.clear();
-    dialog->GetVersionPopup()->GetComboBox()->setCurrentIndex(3);
+    popup->GetComboBox()->setCurrentIndex(3);
     dialog->OnVersionChanged();
     ScriptedResponses::PushAction(
         [&](QWidget *) { QTest::mouseClick(dialog->GetStartButton()->GetButton(), Qt::LeftButton); },
         ScriptedAnswer::kOk);
     dialog->RunModal();
     EXPECT_EQ(versions, std::vector<int>{1});
-}
-
-TEST_F(DialogsTest, PanelConversionDialogComesBackAtItsPlaceAndSize)
-{
-    MakePrefs();
-    {
-        Ptr<PanelConversionDialog> dialog(new PanelConversionDialog(&mSupplier, nullptr));
-        dialog->UI_SetGlobalStructureRect(RectF{30, 40, 610, 420});
-        ScriptedResponses::PushCancel();
-        dialog->RunModal();
-    }
-    EXPECT_EQ(PrefManager::GetPrefManager()->GetWindowPositionAndSize("PanelConversionDialog").Size(),
-              (PointF{610, 420}));
-    Ptr<PanelConversionDialog> again(new PanelConversionDialog(&mSupplier, nullptr));
-    EXPECT_EQ(SizeOf(*again), (PointF{610, 420}));
 }
 
 TEST_F(DialogsTest, XMPImagesComeFromTheLibrarysImages)

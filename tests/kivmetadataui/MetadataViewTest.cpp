@@ -6,13 +6,11 @@
 #include <kivmetadataui/MetadataViewCell.h>
 #include <kivmetadataui/MetadataView_LinkDelegate.h>
 
-#include <kivcore/Assert.h>
 #include <kivcore/StringUtils.h>
 #include <kivmetadata/Definitions.h>
 #include <kivmetadata/FileMetaDataProvider.h>
 #include <kivmetadata/MemoryMetaDataProvider.h>
 #include <kivmetadata/MetaDataUpdateAccess.h>
-#include <kivmetadata/MultiMetaDataProvider.h>
 #include <kivmetadata/PathOperations.h>
 #include <kivmetadata/SchemaDefinition.h>
 #include <kivmetadata/Value.h>
@@ -92,17 +90,13 @@ std::shared_ptr<kivmetadata::SchemaDefinition> Register(char const *inXml)
     return kivmetadata::NamespaceDefinition(schema->mNamespace);
 }
 
-Path P(char const *inNamespace, std::string const &inPath)
-{
-    return Path{inNamespace, inPath};
-}
 Path T(std::string const &inPath)
 {
-    return P(kTreeNS, "kvt:" + inPath);
+    return Path{kTreeNS, "kvt:" + inPath};
 }
 Path U(std::string const &inPath)
 {
-    return P(kOtherNS, "kvu:" + inPath);
+    return Path{kOtherNS, "kvu:" + inPath};
 }
 
 std::string Packet(std::string const &inBody)
@@ -232,13 +226,6 @@ protected:
         return {};
     }
 
-    kivui::UI_Checkbox *Box(RowPtr const &inRow) const
-    {
-        kivui::UI_Checkbox *box = mView->CheckboxForRow(inRow);
-        EXPECT_NE(box, nullptr);
-        return box;
-    }
-
     kivui::UI_TextEdit *Edit(Path const &inPath) const
     {
         RowPtr row = mView->FindRowForPath(inPath);
@@ -273,8 +260,8 @@ TEST_F(MetadataViewTest, CheckBoxesFollowTheRuleWithForcedOnAndEquivalentPaths)
     RowPtr const tree = SchemaRow(kTreeNS);
     RowPtr const other = SchemaRow(kOtherNS);
     ASSERT_TRUE(tree && other);
-    auto click = [&](RowPtr const &row) { Box(row)->GetCheckBox()->click(); };
     auto row = [&](Path const &path) { return mView->FindRowForPath(path); };
+    auto click = [&](RowPtr const &box) { return [&, box] { mView->CheckboxForRow(box)->GetCheckBox()->click(); }; };
 
     struct Step {
         char const *what;
@@ -286,17 +273,13 @@ TEST_F(MetadataViewTest, CheckBoxesFollowTheRuleWithForcedOnAndEquivalentPaths)
         // The forced-on note alone: some of the schema's leaves.
         {"start", [] {}, "mixed", "unchecked", "unchecked", false, false},
         // Every supported leaf; the excluded one does not count.
-        {"check schema", [&] { click(tree); }, "checked", "mixed", "checked", true, true},
-        {"clear schema keeps the forced-on note", [&] { click(tree); }, "mixed", "unchecked", "unchecked", false,
-         false},
-        {"a forced-on box cannot be cleared", [&] { click(row(T("note"))); }, "mixed", "unchecked", "unchecked", false,
-         false},
-        {"an equivalent path follows", [&] { click(row(T("title"))); }, "mixed", "mixed", "unchecked", true, true},
-        {"a struct selects its fields", [&] { click(row(T("contact"))); }, "mixed", "mixed", "checked", true, true},
-        {"one field cleared makes it mixed", [&] { click(row(T("contact/kvt:email"))); }, "mixed", "mixed", "mixed",
-         true, true},
-        {"equivalent cleared from the other side", [&] { click(row(U("title"))); }, "mixed", "unchecked", "mixed",
-         false, false},
+        {"check schema", click(tree), "checked", "mixed", "checked", true, true},
+        {"clear schema keeps the forced-on note", click(tree), "mixed", "unchecked", "unchecked", false, false},
+        {"a forced-on box cannot be cleared", click(row(T("note"))), "mixed", "unchecked", "unchecked", false, false},
+        {"an equivalent path follows", click(row(T("title"))), "mixed", "mixed", "unchecked", true, true},
+        {"a struct selects its fields", click(row(T("contact"))), "mixed", "mixed", "checked", true, true},
+        {"one field cleared makes it mixed", click(row(T("contact/kvt:email"))), "mixed", "mixed", "mixed", true, true},
+        {"equivalent cleared from the other side", click(row(U("title"))), "mixed", "unchecked", "mixed", false, false},
     };
     for (Step const &step : steps) {
         step.act();
@@ -435,10 +418,12 @@ TEST_F(MetadataViewTest, TabMovesBetweenEditableRowsAndLeavesTheView)
         std::vector<bool> moves;
     };
     // Speed is not writable, the structure and the array of structures have
-    // no value of their own.
+    // no value of their own. Leaving the view moves nothing in this test.
     Step const steps[] = {
-        {Qt::Key_Tab, "kvt:note", {}},     {Qt::Key_Tab, "kvt:tags", {}},    {Qt::Key_Tab, "kvw:caption", {}},
-        {Qt::Key_Backtab, "kvt:tags", {}}, {Qt::Key_Tab, "kvw:caption", {}}, {Qt::Key_Tab, "kvw:caption", {true}},
+        {Qt::Key_Backtab, "kvt:title", {false}},     {Qt::Key_Tab, "kvt:note", {false}},
+        {Qt::Key_Tab, "kvt:tags", {false}},          {Qt::Key_Tab, "kvw:caption", {false}},
+        {Qt::Key_Backtab, "kvt:tags", {false}},      {Qt::Key_Tab, "kvw:caption", {false}},
+        {Qt::Key_Tab, "kvw:caption", {false, true}},
     };
     kivui::UI_TextEdit *first = Edit(T("title"));
     ASSERT_NE(first, nullptr);
@@ -451,10 +436,6 @@ TEST_F(MetadataViewTest, TabMovesBetweenEditableRowsAndLeavesTheView)
         EXPECT_EQ(focusedPath(), step.focused);
         EXPECT_EQ(mover->mMoves, step.moves);
     }
-    mover->mMoves.clear();
-    Edit(T("title"))->UI_SetFocus();
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab, Qt::ShiftModifier);
-    EXPECT_EQ(mover->mMoves, std::vector<bool>{false}) << "Shift+Tab from the first row leaves backward";
 }
 
 TEST_F(MetadataViewTest, AnEditInTheTreeReachesTheFile)
@@ -494,13 +475,12 @@ TEST_F(MetadataViewTest, AnEditInTheTreeReachesTheFile)
         SCOPED_TRACE(c.property);
         auto provider = kivmetadata::FileMetaDataProvider::Open(file.toStdU16String());
         ASSERT_TRUE(provider);
-        IntrusivePtr<MetadataView> view(new MetadataView({dc}, provider));
+        mView = IntrusivePtr<MetadataView>(new MetadataView({dc}, provider));
         MetadataView::PathSet included;
         kivmetadata::IncludeAllDescendantPaths(*dc, included);
-        view->SetIncludedPaths(included);
-        view->SetOpenedSchemaRows({dc});
+        mView->SetIncludedPaths(included);
+        mView->SetOpenedSchemaRows({dc});
         EXPECT_FALSE(provider->IsModified()) << "showing values is no edit";
-        mView = view;
         Path const path{kDC, c.property};
         kivui::UI_TextEdit *edit = Edit(path);
         ASSERT_NE(edit, nullptr);
@@ -518,62 +498,6 @@ TEST_F(MetadataViewTest, AnEditInTheTreeReachesTheFile)
         EXPECT_EQ(result,
                   c.stored.empty() ? kivmetadata::kGetValueResult_Absent : kivmetadata::kGetValueResult_OneValue);
     }
-}
-
-TEST_F(MetadataViewTest, SeveralFilesShowMultipleValuesAndTakeOneEdit)
-{
-    auto first = kivmetadata::MemoryMetaDataProvider::FromPacket(Packet("<kvt:title>One</kvt:title>"));
-    auto second = kivmetadata::MemoryMetaDataProvider::FromPacket(Packet("<kvt:title>Two</kvt:title>"));
-    ASSERT_TRUE(first && second);
-    auto both = std::make_shared<kivmetadata::MultiMetaDataProvider>(
-        std::vector<std::shared_ptr<kivmetadata::MetaDataProvider>>{first, second});
-    mView = IntrusivePtr<MetadataView>(new MetadataView({mTree}, both));
-    MetadataView::PathSet included;
-    kivmetadata::IncludeAllDescendantPaths(*mTree, included);
-    mView->SetIncludedPaths(included);
-    mHost->ChildPushBack(mView);
-
-    kivui::UI_TextEdit *edit = Edit(T("title"));
-    ASSERT_NE(edit, nullptr);
-    EXPECT_EQ(edit->GetValue(), u"");
-    EXPECT_EQ(edit->GetUnknownStateText(), u"<Multiple Values>");
-    edit->SetValue(u"Both", true);
-    for (auto const &asset : {first, second}) {
-        std::string text;
-        kivmetadata::GetValueResult result = kivmetadata::kGetValueResult_Absent;
-        kivmetadata::GetValue(kivmetadata::Value{false, T("title"), asset}, text, result);
-        EXPECT_EQ(text, "Both");
-    }
-}
-
-TEST_F(MetadataViewTest, CellsAreMadeOnlyForRowsInSight)
-{
-    std::string body;
-    for (int i = 0; i < 300; ++i)
-        body += "<unk:p" + std::to_string(i) + ">v</unk:p" + std::to_string(i) + ">";
-    auto provider = kivmetadata::MemoryMetaDataProvider::FromPacket(
-        R"(<x:xmpmeta xmlns:x="adobe:ns:meta/"><rdf:RDF xmlns:rdf="http://www.w3.org/1999/02/22-rdf-syntax-ns#">)"
-        R"(<rdf:Description rdf:about="" xmlns:unk="http://ns.kivtest.org/lazy/">)" +
-        body + "</rdf:Description></rdf:RDF></x:xmpmeta>");
-    ASSERT_TRUE(provider);
-    mView = IntrusivePtr<MetadataView>(new MetadataView({}, provider));
-    mView->UI_SetLocalRectF(RectF{0, 0, 600, 900});
-    mHost->ChildPushBack(mView);
-    mView->SetOpenedRows({{"http://ns.kivtest.org/lazy/"}, {}});
-    mHost->UI_SetGlobalStructureRect(RectF{50, 50, 600, 900});
-    mHost->UI_Show(true);
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(mHost->UI_GetWidget()));
-    for (int i = 0; i < 3; ++i)
-        QApplication::processEvents();
-
-    RowPtr const schema = mView->GetTree()->GetRow(0);
-    ASSERT_TRUE(schema);
-    ASSERT_EQ(schema->CountChildRows(), 300);
-    int made = 0;
-    for (int i = 0; i < schema->CountChildRows(); ++i)
-        made += schema->GetChildRow(i)->GetCellView() ? 1 : 0;
-    EXPECT_GT(made, 10) << "the rows in sight have their cells";
-    EXPECT_LT(made, 100) << "rows out of sight have none";
 }
 
 TEST_F(MetadataViewTest, LinkButtonsFollowTheDelegate)
@@ -597,6 +521,12 @@ TEST_F(MetadataViewTest, LinkButtonsFollowTheDelegate)
     mView->SetLinkDelegate(links);
     for (int i = 0; i < 3; ++i)
         QApplication::processEvents();
+    auto click = [&](char const *name) { return [&, name] { button(name)->GetButton()->click(); }; };
+    auto disable = [&] {
+        links->mEnabled = false;
+        mView->UpdateAllLinkButtons();
+    };
+    std::vector<std::string> const both{"kvt:note on", "kvt:title off"};
     struct Step {
         char const *what;
         std::function<void()> act;
@@ -605,22 +535,9 @@ TEST_F(MetadataViewTest, LinkButtonsFollowTheDelegate)
     };
     Step const steps[] = {
         {"as the delegate says", [] {}, true, false, true, {}},
-        {"a click links", [&] { button("note")->GetButton()->click(); }, true, true, true, {"kvt:note on"}},
-        {"a second click unlinks",
-         [&] { button("title")->GetButton()->click(); },
-         false,
-         true,
-         true,
-         {"kvt:note on", "kvt:title off"}},
-        {"linking disabled",
-         [&] {
-             links->mEnabled = false;
-             mView->UpdateAllLinkButtons();
-         },
-         false,
-         false,
-         false,
-         {"kvt:note on", "kvt:title off"}},
+        {"a click links", click("note"), true, true, true, {"kvt:note on"}},
+        {"a second click unlinks", click("title"), false, true, true, both},
+        {"linking disabled", disable, false, false, false, both},
     };
     for (Step const &step : steps) {
         step.act();

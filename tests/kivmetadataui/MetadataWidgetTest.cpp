@@ -43,7 +43,6 @@ TEST_F(MetadataWidgetTest, TakesItsShareOfASplitterAndItsPanelFollows)
     list->addItem(QStringLiteral("fjord.jpg"));
     auto *metadata = new MetadataWidget(mProvider, "Description", &splitter);
     EXPECT_GE(metadata->sizeHint().width(), 400);
-    EXPECT_GT(metadata->sizeHint().height(), 0);
 
     splitter.resize(1000, 600);
     splitter.show();
@@ -89,14 +88,15 @@ TEST_F(MetadataWidgetTest, FieldsFollowALightHostUnlessTheToolkitsLookIsChosen)
     host.show();
     QApplication::processEvents();
 
-    QLineEdit *date = nullptr;
-    for (QLineEdit *edit : metadata->findChildren<QLineEdit *>()) {
-        if (edit->property("kivDateTextEdit").toBool()) date = edit;
-    }
-    ASSERT_TRUE(date) << "the Description panel has an editable date";
-    auto background = [&date] {
+    // Fresh fields may be made at any step: the date field is looked up each time.
+    auto background = [metadata] {
+        QLineEdit *date = nullptr;
+        for (QLineEdit *edit : metadata->findChildren<QLineEdit *>()) {
+            if (edit->property("kivDateTextEdit").toBool()) date = edit;
+        }
+        EXPECT_TRUE(date) << "the Description panel has an editable date";
         // Right of the text, inside the frame.
-        return date->grab().toImage().pixelColor(date->width() - 4, date->height() / 2).lightness();
+        return date ? date->grab().toImage().pixelColor(date->width() - 4, date->height() / 2).lightness() : -1;
     };
     EXPECT_EQ(metadata->GetLook(), MetadataWidget::Look::kHost);
     EXPECT_GT(background(), 200);
@@ -108,11 +108,6 @@ TEST_F(MetadataWidgetTest, FieldsFollowALightHostUnlessTheToolkitsLookIsChosen)
     metadata->SetLook(MetadataWidget::Look::kHost);
     metadata->Refresh(); // fresh fields, made with the toolkit's sheet
     QApplication::processEvents();
-    date = nullptr;
-    for (QLineEdit *edit : metadata->findChildren<QLineEdit *>()) {
-        if (edit->property("kivDateTextEdit").toBool()) date = edit;
-    }
-    ASSERT_TRUE(date);
     EXPECT_GT(background(), 200);
 }
 

@@ -13,7 +13,6 @@
 #include <kivmetadata/Initialize.h>
 #include <kivmetadata/Value.h>
 #include <kivmetadata/ViewItem.h>
-#include <kivui/DrawbotImageResourceCache.h>
 #include <kivui/ImageProvider.h>
 #include <kivui/OS_ResourceManager.h>
 #include <kivui/SkinManager.h>
@@ -111,10 +110,8 @@ TEST_F(ModuleTest, CreatorSlotReplacesCopiesAndEmpties)
     kivmetadataui::RegisterControlCreator(TaggedCreator(first));
     first.reset();
     ControlCreator early = kivmetadataui::RegisteredControlCreator();
-    ASSERT_EQ(asserts.Asserts().size(), 1u);
-    EXPECT_EQ(asserts.Asserts()[0].condition, "sInitializationCount >= 1");
-    EXPECT_EQ(asserts.Asserts()[0].function, "kivmetadataui::RegisteredControlCreator");
-    EXPECT_EQ(asserts.Asserts()[0].unit, "src/Initialize");
+    EXPECT_EQ(asserts.Asserts().size(), 1u);
+    EXPECT_TRUE(asserts.Fired("sInitializationCount >= 1", "kivmetadataui::RegisteredControlCreator"));
     EXPECT_TRUE(static_cast<bool>(early));
     early = nullptr;
 
@@ -134,31 +131,21 @@ TEST_F(ModuleTest, CreatorSlotReplacesCopiesAndEmpties)
     EXPECT_TRUE(asserts.Asserts().empty());
 }
 
-TEST_F(ModuleTest, ResourcesComeFromTheLibrarysOwnModule)
+TEST_F(ModuleTest, ImagesComeFromTheModulesOwnResources)
 {
     kivmetadataui::Initialize();
     auto *const manager = module::GetResourceManager();
     ASSERT_NE(manager, nullptr);
-    EXPECT_EQ(manager->GetPrefix(), QStringLiteral(":/kivmetadataui/"));
     for (char const *name : {"Delete_Sm", "Link_Sm", "Unlink_Sm", "Alert_Sm", "Info_Sm"}) {
-        const QImage image = manager->GetImage(name);
-        EXPECT_EQ(image.size(), QSize(16, 16)) << name;
+        EXPECT_EQ(manager->GetImage(name).size(), QSize(16, 16)) << name;
     }
     EXPECT_TRUE(manager->HasResource("locales/en.txt"));
     EXPECT_TRUE(manager->HasResource("theme/Theme.qss"));
-}
 
-TEST_F(ModuleTest, ImageProviderMadeFirstMakesTheCacheFirst)
-{
-    kivmetadataui::Initialize();
     auto *const provider = module::GetImageProvider();
     ASSERT_NE(provider, nullptr);
-    auto *const cache = module::GetImageResourceCache();
-    ASSERT_NE(cache, nullptr);
-    EXPECT_EQ(provider->GetCache(), cache);
-    EXPECT_EQ(provider->GetResourceManager(), module::GetResourceManager());
-    EXPECT_EQ(provider->GetSupplier(), nullptr);
-    EXPECT_EQ(module::GetImageProvider(), provider) << "made once";
+    EXPECT_EQ(provider->GetCache(), module::GetImageResourceCache());
+    EXPECT_EQ(provider->GetResourceManager(), manager);
     EXPECT_FALSE(provider->GetImage("Info_Sm").isNull());
 
     kivmetadataui::Terminate();
@@ -178,7 +165,6 @@ TEST(ModuleInfoTest, RegistersTheDateEditSkinOfEachAvailableLook)
     namespace v7 = kivmetadataui::skins::v7;
     auto *const info = kivmetadataui::ModuleInfo::Get();
     ASSERT_NE(info, nullptr);
-    EXPECT_EQ(kivmetadataui::ModuleInfo::Get(), info);
 
     auto *const setV5 = SkinManager::RetrieveSet("V5");
     auto *const setV7 = SkinManager::RetrieveSet("V7");
@@ -199,8 +185,6 @@ TEST(ModuleInfoTest, RegistersTheDateEditSkinOfEachAvailableLook)
     EXPECT_TRUE(setV5->HasSkin("kivmetadataui::V5DateTextEditSkin"));
     EXPECT_EQ(setV7->GetSkin("kivmetadataui::V7DateTextEditSkin"),
               kivui::skins::SkinSingleton<v7::V7DateTextEditSkin>::Get()->GetDescription());
-    EXPECT_NE(setV5->GetSkin("kivmetadataui::V5DateTextEditSkin"), setV7->GetSkin("kivmetadataui::V7DateTextEditSkin"))
-        << "the two looks differ";
     SkinManager::SetSkinVersion(before);
 }
 

@@ -46,6 +46,9 @@ using kivui::dialogs::ShownDialog;
 
 constexpr char kDC[] = "http://purl.org/dc/elements/1.1/";
 
+// Message boxes shown, as their titles and messages.
+using Boxes = std::vector<std::pair<std::u16string, std::u16string>>;
+
 Path DC(std::string const &name)
 {
     return Path{kDC, "dc:" + name};
@@ -100,6 +103,21 @@ void PushOnDialog(std::function<void(OpenDialog const &)> action, ScriptedAnswer
     ScriptedResponses::PushAction([action](QWidget *dialog) { action(OpenDialog{dialog}); }, answer);
 }
 
+// Answers the add-property dialog: types a name (a null text keeps the
+// offered one) and moves the type popup down.
+std::function<void(QWidget *)> Enter(QString text, int downs = 0)
+{
+    return [text, downs](QWidget *box) {
+        if (!text.isNull()) {
+            auto *name = box->findChild<QLineEdit *>("nameTextEdit");
+            name->clear();
+            QTest::keyClicks(name, text);
+        }
+        for (int i = 0; i < downs; ++i)
+            QTest::keyClick(box->findChild<QComboBox *>("columnTypePopup"), Qt::Key_Down);
+    };
+}
+
 class PreferencesDialogTest : public ::testing::Test {
 public:
     static void SetUpTestSuite() { kivmetadataui::Initialize(); }
@@ -121,22 +139,15 @@ public:
     {
         return FileUtils::Join(Folder(), name + u".xmp_view_settings.xml");
     }
-    void WriteSetting(std::u16string const &name, std::set<Path> const &paths) const
-    {
-        std::string xml;
-        ASSERT_TRUE(kivmetadata::IncludedLeafPathsAsXMLString(paths, xml));
-        QDir().mkpath(QString::fromStdU16String(Folder()));
-        ASSERT_TRUE(FileUtils::SimpleWriteStringToFile(SettingFile(name), xml));
-    }
     bool Run()
     {
         return kivmetadataui::DoMetadataPreferencesDialog(mSelected, &mSupplier, mParent.get(), mOpened, Folder(),
                                                           mSchemas.cbegin(), mSchemas.cend());
     }
     // Titles and messages of the boxes shown since the last call, the preferences dialog left out.
-    std::vector<std::pair<std::u16string, std::u16string>> Shown()
+    Boxes Shown()
     {
-        std::vector<std::pair<std::u16string, std::u16string>> shown;
+        Boxes shown;
         for (ShownDialog const &box : ScriptedResponses::History())
             if (box.title != u"Metadata Display") shown.emplace_back(box.title, box.message);
         ScriptedResponses::ClearHistory();
@@ -153,39 +164,31 @@ public:
 
 TEST_F(PreferencesDialogTest, PopupListsTheSettingFilesThatParse)
 {
+    std::string title, creator;
+    ASSERT_TRUE(kivmetadata::IncludedLeafPathsAsXMLString({DC("title")}, title));
+    ASSERT_TRUE(kivmetadata::IncludedLeafPathsAsXMLString({DC("creator")}, creator));
+    std::pair<std::u16string, std::string> const broken{u"Broken.xmp_view_settings.xml", "<not a setting"};
     struct Case {
         char const *name;
-        std::function<void(PreferencesDialogTest &)> prepare;
+        std::vector<std::pair<std::u16string, std::string>> files; // none: no folder
         std::vector<std::u16string> items;
         bool enabled;
     };
     std::vector<Case> const cases = {
-        {"missing folder", [](PreferencesDialogTest &) {}, {u"(Custom)"}, false},
-        {"empty folder",
-         [](PreferencesDialogTest &t) { QDir().mkpath(QString::fromStdU16String(t.Folder())); },
-         {u"(Custom)"},
-         false},
-        {"only other and broken files",
-         [](PreferencesDialogTest &t) {
-             QDir().mkpath(QString::fromStdU16String(t.Folder()));
-             FileUtils::SimpleWriteStringToFile(t.Folder() + u"notes.txt", "x");
-             FileUtils::SimpleWriteStringToFile(t.SettingFile(u"Broken"), "<not a setting");
-         },
-         {u"(Custom)"},
-         true},
+        {"missing folder", {}, {u"(Custom)"}, false},
+        {"only other and broken files", {{u"notes.txt", "x"}, broken}, {u"(Custom)"}, true},
         {"two settings in file-name order",
-         [](PreferencesDialogTest &t) {
-             t.WriteSetting(u"Zeta", {DC("title")});
-             t.WriteSetting(u"Basic", {DC("creator")});
-             FileUtils::SimpleWriteStringToFile(t.SettingFile(u"Broken"), "<not a setting");
-         },
+         {{u"Zeta.xmp_view_settings.xml", title}, {u"Basic.xmp_view_settings.xml", creator}, broken},
          {u"(Custom)", u"", u"Basic", u"Zeta"},
          true},
     };
     for (Case const &c : cases) {
         SCOPED_TRACE(c.name);
         QDir(QString::fromStdU16String(Folder())).removeRecursively();
-        c.prepare(*this);
+        for (auto const &[file, text] : c.files) {
+            QDir().mkpath(QString::fromStdU16String(Folder()));
+            FileUtils::SimpleWriteStringToFile(Folder() + file, text);
+        }
         PushOnDialog(
             [&c](OpenDialog const &d) {
                 EXPECT_EQ(d.PopupItems(), c.items);
@@ -202,7 +205,10 @@ TEST_F(PreferencesDialogTest, PopupListsTheSettingFilesThatParse)
 TEST_F(PreferencesDialogTest, SaveMatchOverwriteAndDeleteSettings)
 {
     mSelected = {DC("title"), DC("creator")};
-    WriteSetting(u"Other", {DC("rights")});
+    std::string other;
+    ASSERT_TRUE(kivmetadata::IncludedLeafPathsAsXMLString({DC("rights")}, other));
+    QDir().mkpath(QString::fromStdU16String(Folder()));
+    ASSERT_TRUE(FileUtils::SimpleWriteStringToFile(SettingFile(u"Other"), other));
     // A name that cannot be a file is refused with a message, and nothing is written.
     PushOnDialog([](OpenDialog const &d) { d.Click("save_settings_button"); }, ScriptedAnswer::kCancel);
     ScriptedResponses::PushOk(u"a/b");
@@ -251,7 +257,7 @@ TEST_F(PreferencesDialogTest, SaveMatchOverwriteAndDeleteSettings)
         ScriptedAnswer::kOk);
     EXPECT_TRUE(Run());
     EXPECT_EQ(mSelected, std::set<Path>{DC("rights")});
-    EXPECT_EQ(Shown(), (std::vector<std::pair<std::u16string, std::u16string>>{
+    EXPECT_EQ(Shown(), (Boxes{
                            {u"Save Settings", u"Name:"},
                            {u"Save Settings", u"Name:"},
                            {u"Delete Settings", u"Are you sure you want to delete the setting 'Other'?"},
@@ -272,55 +278,48 @@ TEST_F(PreferencesDialogTest, SaveMatchOverwriteAndDeleteSettings)
         FileUtils::Join(kivmetadata::ViewSettingsDirectory(), u"Elsewhere.xmp_view_settings.xml")));
 }
 
-TEST_F(PreferencesDialogTest, SelectionAndOpenedSchemasWrittenBackOnlyOnOk)
+TEST_F(PreferencesDialogTest, CheckBoxesFollowTheRuleAndAreWrittenBackOnlyOnOk)
 {
+    mSchemas.push_back(kivmetadata::NamespaceDefinition("http://iptc.org/std/Iptc4xmpCore/1.0/xmlns/"));
+    ASSERT_TRUE(mSchemas.back());
     for (ScriptedAnswer answer : {ScriptedAnswer::kCancel, ScriptedAnswer::kOk}) {
         mSelected = {DC("title")};
         mOpened.clear();
         PushOnDialog(
             [](OpenDialog const &d) {
+                auto box = [&d](std::u16string const &label) {
+                    return d.Row(label)->GetCellView()->UI_GetWidget()->findChild<QCheckBox *>()->checkState();
+                };
                 d.Tree()->OpenRow(d.Row(u"Dublin Core"), true);
+                d.Tree()->Layout();
                 d.KeyOnRow(u"Creator", Qt::Key_Space);
                 d.KeyOnRow(u"Title", Qt::Key_Space);
+                EXPECT_EQ(box(u"Creator"), Qt::Checked);
+                EXPECT_EQ(box(u"Title"), Qt::Unchecked);
+                EXPECT_EQ(box(u"Dublin Core"), Qt::PartiallyChecked);
+                d.KeyOnRow(u"Dublin Core", Qt::Key_Space);
+                EXPECT_EQ(box(u"Dublin Core"), Qt::Checked);
+                EXPECT_EQ(box(u"Title"), Qt::Checked);
+                // Filtering keeps matching rows (and their schema) only, inside structures too.
+                QTest::keyClicks(d.dialog->findChild<QLineEdit *>("search_box"), QStringLiteral("EMAIL"));
+                EXPECT_FALSE(d.Row(u"Creator"));
+                EXPECT_FALSE(d.Row(u"Dublin Core"));
+                ASSERT_TRUE(d.Row(u"Email(s)"));
+                EXPECT_TRUE(d.Row(u"Email(s)")->GetParentRow()->IsOpened());
+                QTest::keyClick(d.dialog->findChild<QLineEdit *>("search_box"), Qt::Key_A, Qt::ControlModifier);
+                QTest::keyClicks(d.dialog->findChild<QLineEdit *>("search_box"), QStringLiteral("creat"));
+                EXPECT_TRUE(d.Row(u"Creator"));
+                EXPECT_FALSE(d.Row(u"Title"));
             },
             answer);
         bool const ok = Run();
         EXPECT_EQ(ok, answer == ScriptedAnswer::kOk);
-        EXPECT_EQ(mSelected, ok ? std::set<Path>{DC("creator")} : std::set<Path>{DC("title")});
+        if (ok)
+            EXPECT_EQ(mSelected.size(), kivmetadataui::CountSupportedDescendantLeafPaths(*mSchemas.front()));
+        else
+            EXPECT_EQ(mSelected, std::set<Path>{DC("title")});
         EXPECT_EQ(mOpened.size(), ok ? 1u : 0u);
     }
-}
-
-TEST_F(PreferencesDialogTest, SchemaBoxFollowsTheCheckBoxRuleAndSelectsAllLeaves)
-{
-    mSelected = {DC("title")};
-    mSchemas.push_back(kivmetadata::NamespaceDefinition("http://iptc.org/std/Iptc4xmpCore/1.0/xmlns/"));
-    ASSERT_TRUE(mSchemas.back());
-    PushOnDialog(
-        [](OpenDialog const &d) {
-            auto box = [&d](std::u16string const &label) {
-                return d.Row(label)->GetCellView()->UI_GetWidget()->findChild<QCheckBox *>()->checkState();
-            };
-            d.Tree()->OpenRow(d.Row(u"Dublin Core"), true);
-            d.Tree()->Layout();
-            EXPECT_EQ(box(u"Dublin Core"), Qt::PartiallyChecked);
-            d.KeyOnRow(u"Dublin Core", Qt::Key_Space);
-            EXPECT_EQ(box(u"Dublin Core"), Qt::Checked);
-            EXPECT_EQ(box(u"Creator"), Qt::Checked);
-            // Filtering keeps matching rows (and their schema) only, inside structures too.
-            QTest::keyClicks(d.dialog->findChild<QLineEdit *>("search_box"), QStringLiteral("EMAIL"));
-            EXPECT_FALSE(d.Row(u"Creator"));
-            EXPECT_FALSE(d.Row(u"Dublin Core"));
-            ASSERT_TRUE(d.Row(u"Email(s)"));
-            EXPECT_TRUE(d.Row(u"Email(s)")->GetParentRow()->IsOpened());
-            QTest::keyClick(d.dialog->findChild<QLineEdit *>("search_box"), Qt::Key_A, Qt::ControlModifier);
-            QTest::keyClicks(d.dialog->findChild<QLineEdit *>("search_box"), QStringLiteral("creat"));
-            EXPECT_TRUE(d.Row(u"Creator"));
-            EXPECT_FALSE(d.Row(u"Title"));
-        },
-        ScriptedAnswer::kOk);
-    EXPECT_TRUE(Run());
-    EXPECT_EQ(mSelected.size(), kivmetadataui::CountSupportedDescendantLeafPaths(*mSchemas.front()));
 }
 
 TEST_F(PreferencesDialogTest, NewSchemaNamesAreCleanedAndMustBeNew)
@@ -333,12 +332,12 @@ TEST_F(PreferencesDialogTest, NewSchemaNamesAreCleanedAndMustBeNew)
         std::vector<std::u16string> answers; // typed in turn; a prompt after the last one is cancelled
         std::u16string file;                 // the schema file made, or empty
         std::u16string offeredAgain;         // the text of the prompt after a clash
-        std::vector<std::pair<std::u16string, std::u16string>> shown;
+        Boxes shown;
     };
-    std::pair<std::u16string, std::u16string> const ask{u"New Schema", u"Name:"};
+    Boxes::value_type const ask{u"New Schema", u"Name:"};
     auto clash = [](std::u16string const &name) {
-        return std::pair<std::u16string, std::u16string>{
-            u"Invalid Name", u"The name '" + name + u"' is already used. Please use a different name."};
+        return Boxes::value_type{u"Invalid Name",
+                                 u"The name '" + name + u"' is already used. Please use a different name."};
     };
     std::vector<Case> const cases = {
         {{u"Plain"}, u"Plain.xml", u"", {ask}},
@@ -389,14 +388,7 @@ TEST_F(PreferencesDialogTest, PropertiesAddedToAndDeletedFromCustomSchemas)
         d.Tree()->ScrollRowIntoView(row);
         row->GetCellView()->UI_GetWidget()->findChild<QPushButton *>("add_property_button")->click();
     });
-    ScriptedResponses::PushAction(
-        [](QWidget *box) {
-            auto *name = box->findChild<QLineEdit *>("nameTextEdit");
-            name->selectAll();
-            QTest::keyClicks(name, QStringLiteral("Take Count"));
-            QTest::keyClick(box->findChild<QComboBox *>("columnTypePopup"), Qt::Key_Down);
-        },
-        ScriptedAnswer::kOk);
+    ScriptedResponses::PushAction(Enter("Take Count", 1), ScriptedAnswer::kOk);
     PushOnDialog([](OpenDialog const &d) {
         EXPECT_TRUE(d.Row(u"Take Count"));
         // A plain standard property has no delete: the key does nothing there.
@@ -422,7 +414,7 @@ TEST_F(PreferencesDialogTest, PropertiesAddedToAndDeletedFromCustomSchemas)
     std::string file;
     ASSERT_TRUE(FileUtils::ReadFileToString(studio->mFilePath, file));
     EXPECT_NE(file.find("Take_Count"), std::string::npos);
-    EXPECT_EQ(Shown(), (std::vector<std::pair<std::u16string, std::u16string>>{
+    EXPECT_EQ(Shown(), (Boxes{
                            {u"New Schema", u"Name:"},
                            {u"Add Property", u""},
                            {u"Delete Property",
@@ -454,22 +446,9 @@ TEST_F(PreferencesDialogTest, AddPropertyDialogChecksTheNameAndReturnsTheType)
                                      kivmetadata::CreateNewProperty(kivmetadata::kPrimitiveType_Text, "Used", ""));
     kivmetadata::AddPropertyToSchema(schema,
                                      kivmetadata::CreateNewProperty(kivmetadata::kPrimitiveType_Text, "My_Name", ""));
-    auto type = [](int downs) {
-        return [downs](QWidget *box) {
-            for (int i = 0; i < downs; ++i)
-                QTest::keyClick(box->findChild<QComboBox *>("columnTypePopup"), Qt::Key_Down);
-        };
-    };
-    auto typed = [](QString text) {
-        return [text](QWidget *box) {
-            auto *name = box->findChild<QLineEdit *>("nameTextEdit");
-            name->clear();
-            QTest::keyClicks(name, text);
-        };
-    };
-    std::pair<std::u16string, std::u16string> const missing{
-        u"Missing Property Name", u"The property must have a name. Please enter a unique name"};
-    std::pair<std::u16string, std::u16string> const duplicate{
+    Boxes::value_type const missing{u"Missing Property Name",
+                                    u"The property must have a name. Please enter a unique name"};
+    Boxes::value_type const duplicate{
         u"Duplicate Property Name",
         u"The name Used is already being used in the schema. Please re-enter a unique property name"};
     struct Case {
@@ -478,15 +457,20 @@ TEST_F(PreferencesDialogTest, AddPropertyDialogChecksTheNameAndReturnsTheType)
         bool accepted;
         std::u16string outName, outText;
         std::int32_t outType;
-        std::vector<std::pair<std::u16string, std::u16string>> refusals;
+        kivmetadata::PrimitiveType primitive; // for the type index given back
+        Boxes refusals;
     };
+    auto const integer = kivmetadata::kPrimitiveType_Integer;
+    auto const boolean = kivmetadata::kPrimitiveType_Boolean;
     std::vector<Case> const cases = {
-        {"OK at once", {[](QWidget *) {}}, true, u"NewProperty", u"NewProperty", 0, {}},
-        {"type Boolean", {type(3)}, true, u"NewProperty", u"NewProperty", 3, {}},
-        {"empty, then a name", {typed(""), typed("x y")}, true, u"x_y", u"x y", 0, {missing}},
-        {"duplicate text, then new", {typed("Used"), typed("Used2")}, true, u"Used2", u"Used2", 0, {duplicate}},
-        {"only the generated name is used", {typed("My Name")}, true, u"My_Name", u"My Name", 0, {}},
-        {"empty, then cancelled", {typed("")}, false, u"untouched", u"untouched", 7, {missing}},
+        {"OK at once", {Enter({})}, true, u"NewProperty", u"NewProperty", 0, integer, {}},
+        {"type Boolean", {Enter({}, 3)}, true, u"NewProperty", u"NewProperty", 3, boolean, {}},
+        {"empty, then a name", {Enter(""), Enter("x y")}, true, u"x_y", u"x y", 0, integer, {missing}},
+        {"duplicate, then new", {Enter("Used"), Enter("Used2")}, true, u"Used2", u"Used2", 0, integer, {duplicate}},
+        // Only the name made from the text must be new; type Text.
+        {"made name", {Enter("My Name", 2)}, true, u"My_Name", u"My Name", 2, kivmetadata::kPrimitiveType_Text, {}},
+        // Cancelled: the outputs stay, and an index out of range is an integer.
+        {"empty, then cancelled", {Enter("")}, false, u"untouched", u"untouched", 7, integer, {missing}},
     };
     for (Case const &c : cases) {
         SCOPED_TRACE(c.name);
@@ -504,22 +488,12 @@ TEST_F(PreferencesDialogTest, AddPropertyDialogChecksTheNameAndReturnsTheType)
         EXPECT_EQ(name, c.outName);
         EXPECT_EQ(text, c.outText);
         EXPECT_EQ(index, c.outType);
-        std::vector<std::pair<std::u16string, std::u16string>> refusals;
+        EXPECT_EQ(kivmetadataui::PrimitiveTypeForPropertyTypeIndex(index), c.primitive);
+        Boxes refusals;
         for (auto const &shown : Shown())
             if (shown.first != u"Add Property") refusals.push_back(shown);
         EXPECT_EQ(refusals, c.refusals);
     }
-}
-
-TEST_F(PreferencesDialogTest, TypeIndexMapsToPrimitiveTypeByNumber)
-{
-    std::vector<std::pair<std::int32_t, kivmetadata::PrimitiveType>> const cases = {
-        {0, kivmetadata::kPrimitiveType_Integer}, {1, kivmetadata::kPrimitiveType_Real},
-        {2, kivmetadata::kPrimitiveType_Text},    {3, kivmetadata::kPrimitiveType_Boolean},
-        {4, kivmetadata::kPrimitiveType_Integer}, {-1, kivmetadata::kPrimitiveType_Integer},
-    };
-    for (auto const &[index, type] : cases)
-        EXPECT_EQ(kivmetadataui::PrimitiveTypeForPropertyTypeIndex(index), type) << index;
 }
 
 TEST_F(PreferencesDialogTest, MissingSupplierOrParentIsAnAssertionAndShowsNothing)
