@@ -27,7 +27,6 @@
 #include <QStandardPaths>
 #include <QTabWidget>
 #include <QTemporaryDir>
-#include <QTextStream>
 
 #include <gtest/gtest.h>
 
@@ -84,17 +83,9 @@ Outcome RunKivmeta(QStringList const &arguments)
     environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     process.setProcessEnvironment(environment);
     process.start(QStringLiteral(KIVMETA_BINARY), arguments);
-    Outcome run;
-    if (!process.waitForFinished(120000)) {
-        process.kill();
-        process.waitForFinished();
-        run.mErr = QStringLiteral("timed out");
-        return run;
-    }
-    run.mStatus = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
-    run.mOut = QString::fromUtf8(process.readAllStandardOutput());
-    run.mErr = QString::fromUtf8(process.readAllStandardError());
-    return run;
+    if (!process.waitForFinished(120000)) return {-1, {}, QStringLiteral("timed out")}; // QProcess kills it
+    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
+            QString::fromUtf8(process.readAllStandardOutput()), QString::fromUtf8(process.readAllStandardError())};
 }
 
 // The lines of a dump or of exiftool's output, without the metadata date,
@@ -246,23 +237,28 @@ line two \ end</rdf:li></rdf:Alt></dc:description>
         EXPECT_EQ(subjects[i], QStringLiteral("dc:subject[%1]=s%1").arg(i + 1));
     EXPECT_LT(lines.indexOf("Iptc4xmpCore:CreatorContactInfo/Iptc4xmpCore:CiAdrCity=Bergen"),
               lines.indexOf("dc:description[1]=line one\\nline two \\\\ end"));
-    for (QString const &line : lines)
-        EXPECT_FALSE(line.contains(u'\n'));
 }
 
-TEST_F(KivmetaTest, SetChangesExactlyThatPropertyAndNothingElse)
+// Sets, and deletes of a whole property, a struct and a field in an array
+// of structs, in one run: the dump differs in exactly those lines.
+TEST_F(KivmetaTest, EditsChangeExactlyThosePropertiesAndNothingElse)
 {
-    QString const file = MakeJpeg("set.jpg");
+    QString const file = MakeJpeg("edit.jpg");
     std::set<QString> const before = Dump(file);
     ASSERT_TRUE(before.count("photoshop:City=Bergen"));
 
     Outcome run =
-        RunKivmeta({"--set", "photoshop:City=Tromsø", "--set", "xmp:Rating=5", "--set", "dc:subject=sea; fjord", file});
+        RunKivmeta({"--set", "photoshop:City=Tromsø", "--set", "xmp:Rating=5", "--set", "dc:subject=sea; fjord",
+                    "--delete", "dc:title", "--delete", "Iptc4xmpCore:CreatorContactInfo", "--delete",
+                    "Iptc4xmpExt:LocationShown[1]/Iptc4xmpExt:City", file});
     ASSERT_EQ(run.mStatus, 0) << run.mErr.toStdString();
 
     std::set<QString> const after = Dump(file);
-    EXPECT_EQ(Minus(before, after), (std::set<QString>{"photoshop:City=Bergen", "xmp:Rating=3", "dc:subject[1]=harbour",
-                                                       "dc:subject[2]=boats"}));
+    EXPECT_EQ(Minus(before, after),
+              (std::set<QString>{"photoshop:City=Bergen", "xmp:Rating=3", "dc:subject[1]=harbour",
+                                 "dc:subject[2]=boats", "dc:title[1]=Harbour", "dc:title[1]/?xml:lang=x-default",
+                                 "Iptc4xmpCore:CreatorContactInfo/Iptc4xmpCore:CiAdrCity=Bergen",
+                                 "Iptc4xmpExt:LocationShown[1]/Iptc4xmpExt:City=Bergen"}));
     EXPECT_EQ(Minus(after, before),
               (std::set<QString>{"photoshop:City=Tromsø", "xmp:Rating=5", "dc:subject[1]=sea", "dc:subject[2]=fjord"}));
 }
@@ -276,7 +272,10 @@ TEST_F(KivmetaTest, ExiftoolSeesTheEditAndNothingElse)
         // -a: exiftool otherwise hides XMP tags that share a name with IPTC ones.
         process.start(exiftool, {"-a", "-G1", "-s", "-XMP:All", "-charset", "UTF8", path});
         process.waitForFinished(60000);
-        return Lines(QString::fromUtf8(process.readAllStandardOutput()));
+        std::set<QString> tags;
+        for (QString const &line : Lines(QString::fromUtf8(process.readAllStandardOutput())))
+            tags.insert(line.simplified());
+        return tags;
     };
     QString const file = MakeJpeg("exiftool.jpg");
     std::set<QString> const before = readTags(file);
@@ -286,32 +285,8 @@ TEST_F(KivmetaTest, ExiftoolSeesTheEditAndNothingElse)
     ASSERT_EQ(run.mStatus, 0) << run.mErr.toStdString();
 
     std::set<QString> const after = readTags(file);
-    std::set<QString> gone = Minus(before, after), added = Minus(after, before);
-    ASSERT_EQ(gone.size(), 2u) << QStringList(gone.begin(), gone.end()).join('\n').toStdString();
-    ASSERT_EQ(added.size(), 1u) << QStringList(added.begin(), added.end()).join('\n').toStdString();
-    auto simplified = [](QString const &line) { return line.simplified(); };
-    EXPECT_EQ(simplified(*added.begin()), "[XMP-dc] Title : Harbour at night");
-    std::set<QString> goneSimplified;
-    for (QString const &line : gone)
-        goneSimplified.insert(simplified(line));
-    EXPECT_EQ(goneSimplified, (std::set<QString>{"[XMP-dc] Title : Harbour", "[XMP-photoshop] City : Bergen"}));
-}
-
-TEST_F(KivmetaTest, DeleteRemovesArraysStructsAndFieldsOnly)
-{
-    QString const file = MakeJpeg("delete.jpg");
-    std::set<QString> const before = Dump(file);
-    Outcome run = RunKivmeta({"--delete", "dc:subject", "--delete", "Iptc4xmpCore:CreatorContactInfo", "--delete",
-                              "Iptc4xmpExt:LocationShown[1]/Iptc4xmpExt:City", file});
-    ASSERT_EQ(run.mStatus, 0) << run.mErr.toStdString();
-    std::set<QString> const after = Dump(file);
-    for (QString const &line : Minus(before, after))
-        EXPECT_TRUE(line.startsWith("dc:subject[") || line.startsWith("Iptc4xmpCore:CreatorContactInfo/") ||
-                    line.startsWith("Iptc4xmpExt:LocationShown[1]/Iptc4xmpExt:City="))
-            << line.toStdString();
-    EXPECT_TRUE(Minus(after, before).empty());
-    EXPECT_EQ(ReadValue(file, kDc, "dc:subject"), "<absent>");
-    EXPECT_EQ(ReadValue(file, kDc, "dc:title"), "Harbour");
+    EXPECT_EQ(Minus(before, after), (std::set<QString>{"[XMP-dc] Title : Harbour", "[XMP-photoshop] City : Bergen"}));
+    EXPECT_EQ(Minus(after, before), (std::set<QString>{"[XMP-dc] Title : Harbour at night"}));
 }
 
 TEST_F(KivmetaTest, RefusedValuesLeaveTheFileByteForByte)
@@ -396,23 +371,26 @@ TEST_F(KivmetaTest, SeveralFilesGetTheEditAndKeepTheirOwnValues)
     EXPECT_TRUE(dump.mOut.contains("==> " + a + " <==") && dump.mOut.contains("==> " + b + " <=="));
 }
 
-TEST_F(KivmetaTest, ScreenshotsOnePngPerTabInBothLooks)
+// Without a file the window opens the embedded sample; the screenshots show
+// one PNG per tab in both looks.
+TEST_F(KivmetaTest, ScreenshotsOfTheEmbeddedSampleOnePngPerTabInBothLooks)
 {
-    QString const file = MakeJpeg("shots.jpg");
     QString const dir = mFolder.filePath("shots");
-    Outcome run = RunKivmeta({"--screenshot", dir, file});
+    Outcome run = RunKivmeta({"--screenshot", dir});
     ASSERT_EQ(run.mStatus, 0) << run.mErr.toStdString();
 
-    // The same count per look as the window has tabs, named <nn>-<panel>.png.
-    auto provider = kivmetadata::FileMetaDataProvider::Open(file.toStdU16String());
+    // The same count per look as the window has tabs (whatever file it shows),
+    // named <nn>-<panel>.png.
+    auto provider = kivmetadata::FileMetaDataProvider::Open(MakeJpeg("any.jpg").toStdU16String());
     ASSERT_TRUE(provider);
     kivmetadataui::MetadataDialog window({provider});
     int const panels = window.CountPanels();
     ASSERT_GE(panels, 2);
+    QString const firstPng = "01-" + kivmeta::PanelFileStem(window.Tabs()->tabText(0)) + ".png";
     for (QString look : {"v7", "v5"}) {
         QStringList pngs = QDir(dir + "/" + look).entryList({"[0-9][0-9]-*.png"}, QDir::Files, QDir::Name);
         ASSERT_EQ(pngs.size(), panels) << look.toStdString();
-        EXPECT_EQ(pngs.first(), "01-" + kivmeta::PanelFileStem(window.Tabs()->tabText(0)) + ".png");
+        EXPECT_EQ(pngs.first(), firstPng);
         EXPECT_EQ(pngs.last(), QStringLiteral("%1-raw-data.png").arg(panels, 2, 10, QLatin1Char('0')));
         for (QString const &png : pngs) {
             QImage image(dir + "/" + look + "/" + png);
@@ -422,16 +400,7 @@ TEST_F(KivmetaTest, ScreenshotsOnePngPerTabInBothLooks)
         EXPECT_FALSE(QImage(dir + "/" + look + "/progress-saving.png").isNull()) << look.toStdString();
     }
     // The looks really differ.
-    EXPECT_NE(ReadAll(dir + "/v7/01-" + kivmeta::PanelFileStem(window.Tabs()->tabText(0)) + ".png"),
-              ReadAll(dir + "/v5/01-" + kivmeta::PanelFileStem(window.Tabs()->tabText(0)) + ".png"));
-}
-
-TEST_F(KivmetaTest, EmbeddedSampleOpensWithoutAFile)
-{
-    QString const dir = mFolder.filePath("sample");
-    Outcome run = RunKivmeta({"--screenshot", dir});
-    ASSERT_EQ(run.mStatus, 0) << run.mErr.toStdString();
-    EXPECT_FALSE(QDir(dir + "/v7").entryList({"*.png"}, QDir::Files).isEmpty());
+    EXPECT_NE(ReadAll(dir + "/v7/" + firstPng), ReadAll(dir + "/v5/" + firstPng));
 }
 
 TEST_F(KivmetaTest, WindowEditsReachFilesOnlyOnOk)
@@ -442,21 +411,14 @@ TEST_F(KivmetaTest, WindowEditsReachFilesOnlyOnOk)
     QString const b = MakeJpeg("wb.jpg", packetB);
     QByteArray const originalA = ReadAll(a), originalB = ReadAll(b);
     auto open = [](QString const &path) { return kivmetadata::FileMetaDataProvider::Open(path.toStdU16String()); };
-    kivui::UI_SubView *parent = new kivui::UI_SubView();
-    kivcore::utility::IntrusivePtr<kivui::UI_SubView> holder(parent);
+    kivcore::utility::IntrusivePtr<kivui::UI_SubView> parent(new kivui::UI_SubView());
 
     {
         kivmetadataui::MetadataDialog window({open(a), open(b)});
         EXPECT_TRUE(window.windowTitle().contains("wa.jpg") && window.windowTitle().contains("wb.jpg"));
-        std::string text;
-        kivmetadata::GetValueResult result{};
-        kivmetadata::GetValue(kivmetadata::Value{false, {kPhotoshop, "photoshop:City"}, window.EditedProvider()}, text,
-                              result);
-        EXPECT_EQ(result, kivmetadata::kGetValueResult_SeveralValues);
-
         QString error;
-        ASSERT_TRUE(
-            kivmeta::ApplyEdit(window.EditedProvider(), parent, {PropertyEdit::Kind::Set, "dc:title", "Edited"}, error))
+        ASSERT_TRUE(kivmeta::ApplyEdit(window.EditedProvider(), parent.get(),
+                                       {PropertyEdit::Kind::Set, "dc:title", "Edited"}, error))
             << error.toStdString();
         // Cancel: the window goes, nothing is written.
     }
@@ -466,8 +428,8 @@ TEST_F(KivmetaTest, WindowEditsReachFilesOnlyOnOk)
     {
         kivmetadataui::MetadataDialog window({open(a), open(b)});
         QString error;
-        ASSERT_TRUE(kivmeta::ApplyEdit(window.EditedProvider(), parent, {PropertyEdit::Kind::Set, "dc:title", "Edited"},
-                                       error));
+        ASSERT_TRUE(kivmeta::ApplyEdit(window.EditedProvider(), parent.get(),
+                                       {PropertyEdit::Kind::Set, "dc:title", "Edited"}, error));
         EXPECT_TRUE(window.Commit()) << window.LastSaveErrors().join('\n').toStdString();
     }
     EXPECT_EQ(ReadValue(a, kDc, "dc:title"), "Edited");

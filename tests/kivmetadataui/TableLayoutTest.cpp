@@ -1,6 +1,7 @@
 #include <kivmetadataui/TableLayout.h>
 
-#include <kivcore/Assert.h>
+#include "BindingTestSupport.h"
+
 #include <kivcore/Exceptions.h>
 #include <kivui/UI_SubView.h>
 
@@ -41,8 +42,7 @@ std::shared_ptr<TableLayout> Table(float inWidth = 500.0f)
 std::shared_ptr<RowItem> LabelledRow(float inLabelWidth, float inContentHeight = 19.0f)
 {
     auto row = std::make_shared<RowItem>();
-    auto label = Item(inLabelWidth, 15.0f);
-    row->SetColumnItem(0, label);
+    row->SetColumnItem(0, Item(inLabelWidth, 15.0f));
     row->SetColumnItem(1, Item(50.0f, inContentHeight));
     return row;
 }
@@ -65,32 +65,20 @@ public:
 
 class TableLayoutTest : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
-        mPrevious = kivcore::debug::SetAssertHandler(
-            [this](kivcore::debug::AssertInfo const &inInfo) { mAsserts.push_back(inInfo); });
-    }
-    void TearDown() override { kivcore::debug::SetAssertHandler(mPrevious); }
-
     void ExpectOneAssert(std::string const &inFunction, std::string const &inCondition)
     {
-        ASSERT_EQ(mAsserts.size(), 1u);
-        EXPECT_EQ(mAsserts[0].unit, "layout/src/TableLayout");
-        EXPECT_EQ(mAsserts[0].function, inFunction);
-        EXPECT_EQ(mAsserts[0].condition, inCondition);
-        mAsserts.clear();
+        ASSERT_EQ(mAsserts.Asserts().size(), 1u);
+        EXPECT_EQ(mAsserts.Asserts()[0].unit, "layout/src/TableLayout");
+        EXPECT_EQ(mAsserts.Asserts()[0].function, inFunction);
+        EXPECT_EQ(mAsserts.Asserts()[0].condition, inCondition);
+        mAsserts.Clear();
     }
 
-    std::vector<kivcore::debug::AssertInfo> mAsserts;
-    kivcore::debug::AssertHandler mPrevious;
+    kivtest::AssertRecorder mAsserts;
 };
 
 TEST_F(TableLayoutTest, StacksRowsWithMarginsGapsAndTheAbutSentinel)
 {
-    auto empty = Table();
-    EXPECT_FLOAT_EQ(empty->Layout(), 20.0f);
-    EXPECT_EQ(empty->GetView()->UI_GetLocalRectF(false), (RectF{0, 0, 500, 20}));
-
     auto table = Table();
     table->InsertRow(1, Item(50, 19));
     table->InsertRow(1, Item(50, 30));
@@ -125,21 +113,15 @@ TEST_F(TableLayoutTest, MarginMaskSelectsEachMargin)
         float left, top, right, bottom;
     };
     for (Case c : {Case{0, 0, 0, 0, 0}, Case{1, 10, 0, 0, 0}, Case{2, 0, 10, 0, 0}, Case{4, 0, 0, 10, 0},
-                   Case{8, 0, 0, 0, 10}, Case{5, 10, 0, 10, 0}, Case{15, 10, 10, 10, 10}, Case{255, 10, 10, 10, 10}}) {
-        auto table = Table();
+                   Case{8, 0, 0, 0, 10}, Case{5, 10, 0, 10, 0}, Case{255, 10, 10, 10, 10}}) {
+        auto table = Table(300);
         table->SetMargins(kivcore::Flags<unsigned char>(c.mask));
-        EXPECT_EQ(table->GetLeftMargin(), c.left) << int(c.mask);
-        EXPECT_EQ(table->GetTopMargin(), c.top) << int(c.mask);
-        EXPECT_EQ(table->GetRightMargin(), c.right) << int(c.mask);
-        EXPECT_EQ(table->GetBottomMargin(), c.bottom) << int(c.mask);
-        EXPECT_EQ(table->Layout(), c.top + c.bottom) << int(c.mask);
+        table->InsertRow(LabelledRow(60));
+        EXPECT_EQ(table->Layout(), c.top + 19.0f + c.bottom) << int(c.mask);
+        EXPECT_EQ(table->GetRow(0)->GetView()->UI_GetLocalRectF(true),
+                  (RectF{c.left, c.top, 300 - c.left - c.right, 19}))
+            << int(c.mask);
     }
-
-    auto table = Table(300);
-    table->SetMargins(kivcore::Flags<unsigned char>(0));
-    table->InsertRow(LabelledRow(60));
-    EXPECT_EQ(table->Layout(), 19.0f);
-    EXPECT_EQ(table->GetRow(0)->GetView()->UI_GetLocalRectF(true), (RectF{0, 0, 300, 19}));
 }
 
 TEST_F(TableLayoutTest, PlacesCellsInTheirColumns)
@@ -154,8 +136,6 @@ TEST_F(TableLayoutTest, PlacesCellsInTheirColumns)
     EXPECT_EQ(row->GetColumnItem(0)->mView->UI_GetLocalRectF(true), (RectF{0, 2, 100, 15}));
     EXPECT_EQ(row->GetColumnItem(1)->mView->UI_GetLocalRectF(true), (RectF{110, 0, 370, 25}));
     EXPECT_EQ(row->GetView()->UI_GetLocalRectF(true), (RectF{10, 10, 480, 25}));
-    EXPECT_EQ(row->GetView()->UI_GetLocalRectF(true).x + row->GetColumnItem(1)->mView->UI_GetLocalRectF(true).x,
-              120.0f);
 
     // Explicit widths win over the column widths.
     row->GetColumnItem(0)->mWidth = 40;
@@ -202,10 +182,7 @@ TEST_F(TableLayoutTest, SetColumnItemCentresShortCellsAndBindsContent)
     }
 
     RowItem row;
-    EXPECT_EQ(row.GetView()->UI_GetLocalRectF(true), (RectF{0, 0, 0, 19}));
     EXPECT_EQ(row.GetView()->UI_GetLayoutBinding().Value(), 4u);
-    EXPECT_TRUE(row.GetView()->UI_GetLayoutsChildren());
-    EXPECT_EQ(row.GetColumns().size(), 2u);
 
     auto label = Item(40, 19);
     auto content = Item(40, 19);
@@ -216,15 +193,12 @@ TEST_F(TableLayoutTest, SetColumnItemCentresShortCellsAndBindsContent)
     row.SetColumnItem(1, content);
     EXPECT_EQ(label->mView->UI_GetLayoutBinding(), defaultBinding);
     EXPECT_EQ(content->mView->UI_GetLayoutBinding().Value(), 4u);
-    EXPECT_EQ(row.GetView()->UI_CountChildren(), 2);
 
     // Replacing an item takes the old view out of the row.
     row.SetColumnItem(1, fixed);
     EXPECT_EQ(fixed->mView->UI_GetLayoutBinding(), defaultBinding);
-    EXPECT_EQ(row.GetView()->UI_CountChildren(), 2);
     EXPECT_EQ(content->mView->UI_GetParent(), nullptr);
     EXPECT_EQ(fixed->mView->UI_GetParent(), row.GetView().get());
-    EXPECT_EQ(row.GetColumnItem(1), fixed);
 
     // A nested table in column 0 follows the row's width.
     auto nested = std::make_shared<LayoutItem>(Table());
@@ -241,14 +215,8 @@ TEST_F(TableLayoutTest, NestedTablesTakeTheContentWidthAndReportTheirHeight)
     outer->InsertTable(inner);
     outer->InsertRow(LabelledRow(60));
 
-    ASSERT_EQ(outer->CountRows(), 2);
-    auto cell = outer->GetRow(0)->GetColumnItem(0);
-    EXPECT_EQ(cell->mKind, LayoutItem::kItemKind_Table);
-    EXPECT_EQ(cell->mTable, inner);
-    EXPECT_EQ(cell->mView, inner->GetView());
-    EXPECT_EQ(outer->GetRow(0)->GetColumnItem(1), nullptr);
-
-    // Inner: 10 + 30 + 10 = 50 high, in the whole content width (480).
+    // Inner: 10 + 30 + 10 = 50 high, in the whole content width (480), not
+    // in the label column.
     EXPECT_EQ(outer->Layout(), 10.0f + 50.0f + 7.0f + 19.0f + 10.0f);
     EXPECT_EQ(inner->GetView()->UI_GetLocalRectF(true), (RectF{0, 0, 480, 50}));
     EXPECT_EQ(inner->GetRow(0)->GetView()->UI_GetLocalRectF(true), (RectF{10, 10, 460, 30}));
@@ -310,21 +278,6 @@ TEST_F(TableLayoutTest, LabelWidthsAreMeasuredCappedAndShared)
     parent->UpdateLabelWidth(MeasureByViewWidth);
     EXPECT_EQ(parent->GetLabelWidth(), 130.0f);
     EXPECT_EQ(structTable->GetLabelWidth(), 100.0f);
-
-    // Sharing goes depth first through column 0 tables and stops at 220.
-    auto top = Table();
-    top->InsertRow(LabelledRow(300));
-    auto middle = Table();
-    middle->SetLabelWidthMode(2);
-    auto bottom = Table();
-    bottom->SetLabelWidthMode(2);
-    bottom->InsertRow(LabelledRow(10));
-    middle->InsertTable(bottom);
-    top->InsertTable(middle);
-    top->UpdateLabelWidth(MeasureByViewWidth);
-    EXPECT_EQ(top->GetLabelWidth(), 220.0f);
-    EXPECT_EQ(middle->GetLabelWidth(), 220.0f);
-    EXPECT_EQ(bottom->GetLabelWidth(), 220.0f);
 }
 
 TEST_F(TableLayoutTest, DelegateReceivesRowsAndContentSize)

@@ -26,100 +26,71 @@
 
 namespace {
 
-using kivmetadataui::DisplayForm;
-
 constexpr char kExif[] = "http://ns.adobe.com/exif/1.0/";
 constexpr char kAux[] = "http://ns.adobe.com/exif/1.0/aux/";
 constexpr char kXmp[] = "http://ns.adobe.com/xap/1.0/";
 constexpr char kDc[] = "http://purl.org/dc/elements/1.1/";
 
-TEST(ValueDisplayTest, ShowsEachFormAndLeavesWhatItCannotReadAsStored)
-{
-    struct Case {
-        DisplayForm form;
-        char const *stored;
-        std::optional<std::u16string> shown; // empty: shown as stored
-    };
-    const Case cases[] = {
-        {DisplayForm::kFNumber, "28/10", u"f/2.8"},
-        {DisplayForm::kFNumber, "8/1", u"f/8"},
-        {DisplayForm::kFNumber, "0/0", std::nullopt},
-        {DisplayForm::kFNumber, "-28/10", std::nullopt},
-        {DisplayForm::kFNumber, "28/", std::nullopt},
-        {DisplayForm::kFNumber, "28", std::nullopt},
-        {DisplayForm::kFNumber, "2.8/1", std::nullopt},
-        {DisplayForm::kFNumber, "99999999999999999999/1", std::nullopt},
-        {DisplayForm::kFNumber, "9000000000000000000/1", std::nullopt},
-        {DisplayForm::kFocalLength, "350/10", u"35 mm"},
-        {DisplayForm::kFocalLength, " 57/10 ", u"5.7 mm"},
-        {DisplayForm::kExposureTime, "1/125", u"1/125 s"},
-        {DisplayForm::kExposureTime, "10/1250", u"1/125 s"},
-        {DisplayForm::kExposureTime, "2/1", u"2 s"},
-        {DisplayForm::kExposureTime, "5/10", u"1/2 s"},
-        {DisplayForm::kExposureTime, "3/10", u"0.3 s"},
-        {DisplayForm::kExposureTime, "0/1", std::nullopt},
-        {DisplayForm::kExposureTime, "1/-125", std::nullopt},
-        {DisplayForm::kApexAperture, "297/100", u"f/2.8"},
-        {DisplayForm::kApexAperture, "1000/1", std::nullopt},
-        {DisplayForm::kApexShutterSpeed, "6965784/1000000", u"1/125 s"},
-        {DisplayForm::kExposureBias, "-1/3", u"-1/3 EV"},
-        {DisplayForm::kExposureBias, "4/3", u"+1 1/3 EV"},
-        {DisplayForm::kExposureBias, "7/10", u"+0.7 EV"},
-        {DisplayForm::kExposureBias, "0/1", u"0 EV"},
-        {DisplayForm::kMetres, "1234/10", u"123.4 m"},
-        {DisplayForm::kMetres, "-5/1", u"-5 m"},
-        {DisplayForm::kDegrees, "2705/10", u"270.5°"},
-        {DisplayForm::kNumber, "1/3", u"0.333"},
-        {DisplayForm::kNumber, "72/1", u"72"},
-        {DisplayForm::kNumber, "-1/2", u"-0.5"},
-        {DisplayForm::kNumber, "-0/5", u"0"},
-        {DisplayForm::kGPSCoordinate, "48,51.3N", u"48° 51.3′ N"},
-        {DisplayForm::kGPSCoordinate, "2,17,40.5E", u"2° 17′ 40.5″ E"},
-        {DisplayForm::kGPSCoordinate, "48,61.3N", std::nullopt},
-        {DisplayForm::kGPSCoordinate, "95,1.0N", std::nullopt},
-        {DisplayForm::kGPSCoordinate, "170,1.0W", u"170° 1′ W"},
-        {DisplayForm::kGPSCoordinate, "48,51.3X", std::nullopt},
-        {DisplayForm::kGPSCoordinate, "-48,51.3N", std::nullopt},
-        {DisplayForm::kGPSCoordinate, "48,-1N", std::nullopt},
-        {DisplayForm::kGPSCoordinate, "48N", std::nullopt},
-        {DisplayForm::kGPSCoordinate, "2,17.5,40E", std::nullopt},
-        {DisplayForm::kGPSCoordinate, "", std::nullopt},
-        {DisplayForm::kDate, "2026-11-23T20:13:41+01:00", u"2026-11-23 20:13:41 +01:00"},
-        {DisplayForm::kDate, "yesterday", std::nullopt},
-        {DisplayForm::kRaw, "28/10", std::nullopt},
-    };
-    for (Case const &c : cases) {
-        EXPECT_EQ(kivmetadataui::FormatForDisplay(c.form, c.stored), c.shown)
-            << "form " << int(c.form) << ", stored \"" << c.stored << '"';
-    }
-}
-
-TEST(ValueDisplayTest, PicksTheFormByPropertyThenByTypeId)
+// Each property's stored text in the form its name, or else its type, calls
+// for; what the form cannot read is shown as stored.
+TEST(ValueDisplayTest, ShowsEachPropertyInItsFormOrAsStored)
 {
     kivmetadataui::Initialize();
     struct Case {
         char const *ns;
         char const *name;
-        DisplayForm form;
+        char const *stored;
+        std::optional<std::u16string> shown; // empty: shown as stored
     };
     const Case cases[] = {
-        {kExif, "FNumber", DisplayForm::kFNumber},
-        {kExif, "FocalLength", DisplayForm::kFocalLength},
-        {kExif, "ExposureTime", DisplayForm::kExposureTime},
-        {kExif, "ShutterSpeedValue", DisplayForm::kApexShutterSpeed},
-        {kAux, "FlashCompensation", DisplayForm::kExposureBias},
-        {kAux, "ApproximateFocusDistance", DisplayForm::kMetres},
-        {kExif, "GPSLatitude", DisplayForm::kGPSCoordinate},
-        {kExif, "CompressedBitsPerPixel", DisplayForm::kNumber},
-        {kXmp, "CreateDate", DisplayForm::kDate},
-        {kExif, "FocalLengthIn35mmFilm", DisplayForm::kRaw},
-        {kDc, "title", DisplayForm::kRaw},
+        {kExif, "FNumber", "28/10", u"f/2.8"}, // by name before its type (rational)
+        {kExif, "FNumber", "0/0", std::nullopt},
+        {kExif, "FNumber", "-28/10", std::nullopt},
+        {kExif, "FNumber", "28", std::nullopt},
+        {kExif, "FNumber", "2.8/1", std::nullopt},
+        {kExif, "FNumber", "99999999999999999999/1", std::nullopt},
+        {kExif, "FNumber", "9000000000000000000/1", std::nullopt},
+        {kExif, "FocalLength", "350/10", u"35 mm"},
+        {kExif, "FocalLength", " 57/10 ", u"5.7 mm"},
+        {kExif, "ExposureTime", "1/125", u"1/125 s"},
+        {kExif, "ExposureTime", "2/1", u"2 s"},
+        {kExif, "ExposureTime", "5/10", u"1/2 s"},
+        {kExif, "ExposureTime", "3/10", u"0.3 s"},
+        {kExif, "ExposureTime", "0/1", std::nullopt},
+        {kExif, "ApertureValue", "297/100", u"f/2.8"},
+        {kExif, "ApertureValue", "1000/1", std::nullopt},
+        {kExif, "ShutterSpeedValue", "6965784/1000000", u"1/125 s"},
+        {kAux, "FlashCompensation", "-1/3", u"-1/3 EV"},
+        {kExif, "ExposureBiasValue", "4/3", u"+1 1/3 EV"},
+        {kExif, "ExposureBiasValue", "7/10", u"+0.7 EV"},
+        {kExif, "ExposureBiasValue", "0/1", u"0 EV"},
+        {kAux, "ApproximateFocusDistance", "1234/10", u"123.4 m"},
+        {kExif, "GPSAltitude", "-5/1", u"-5 m"},
+        {kExif, "GPSImgDirection", "2705/10", u"270.5°"},
+        {kExif, "CompressedBitsPerPixel", "1/3", u"0.333"}, // by type: rational
+        {kExif, "CompressedBitsPerPixel", "72/1", u"72"},
+        {kExif, "CompressedBitsPerPixel", "-0/5", u"0"},
+        {kExif, "GPSLatitude", "48,51.3N", u"48° 51.3′ N"}, // by type: GPS coordinate
+        {kExif, "GPSLatitude", "2,17,40.5E", u"2° 17′ 40.5″ E"},
+        {kExif, "GPSLatitude", "48,61.3N", std::nullopt},
+        {kExif, "GPSLatitude", "95,1.0N", std::nullopt},
+        {kExif, "GPSLatitude", "170,1.0W", u"170° 1′ W"},
+        {kExif, "GPSLatitude", "48,51.3X", std::nullopt},
+        {kExif, "GPSLatitude", "-48,51.3N", std::nullopt},
+        {kExif, "GPSLatitude", "48,-1N", std::nullopt},
+        {kExif, "GPSLatitude", "48N", std::nullopt},
+        {kExif, "GPSLatitude", "2,17.5,40E", std::nullopt},
+        {kXmp, "CreateDate", "2026-11-23T20:13:41+01:00", u"2026-11-23 20:13:41 +01:00"}, // by type: date
+        {kXmp, "CreateDate", "yesterday", std::nullopt},
+        {kExif, "FocalLengthIn35mmFilm", "28/10", std::nullopt}, // names match whole
+        {kDc, "title", "28/10", std::nullopt},
     };
     for (Case const &c : cases) {
         const auto definition =
             kivmetadata::PathEntryDefinition(kivmetadata::PathForSchemaNameAndPropertyName(c.ns, c.name));
         ASSERT_TRUE(definition) << c.name;
-        EXPECT_EQ(kivmetadataui::DisplayFormOf(*definition), c.form) << c.name;
+        EXPECT_EQ(kivmetadataui::FormatForDisplay(kivmetadataui::DisplayFormOf(*definition), c.stored), c.shown)
+            << c.name << ", stored \"" << c.stored << '"';
     }
     kivmetadataui::Terminate();
 }
