@@ -3,7 +3,6 @@
 #include <kivmetadata/Initialize.h>
 #include <kivmetadata/MemoryMetaDataProvider.h>
 #include <kivmetadata/MetaDataUpdateAccess.h>
-#include <kivmetadata/MultiMetaDataProvider.h>
 #include <kivmetadata/PathOperations.h>
 #include <kivmetadata/Value.h>
 #include <kivmetadata/ValueAccess.h>
@@ -11,11 +10,11 @@
 
 #include <gtest/gtest.h>
 
-#include <QBuffer>
+#include "TestImages.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -24,12 +23,14 @@
 #include <QTemporaryDir>
 
 #include <csignal>
+#include <functional>
 
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 using namespace kivmetadata;
+using testimages::ImageBytes;
 
 namespace {
 
@@ -37,46 +38,6 @@ constexpr char kDC[] = "http://purl.org/dc/elements/1.1/";
 constexpr char kXMP[] = "http://ns.adobe.com/xap/1.0/";
 constexpr char kFoo[] = "http://foo.example/ns/";
 constexpr char kPhotoshop[] = "http://ns.adobe.com/photoshop/1.0/";
-
-QByteArray ImageBytes(char const *format)
-{
-    QImage image(16, 8, QImage::Format_RGB32);
-    image.fill(QColor(40, 120, 200));
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, format);
-    return bytes;
-}
-
-// A baseline TIFF of one grey pixel, written by hand (no TIFF plugin needed).
-QByteArray TiffBytes()
-{
-    QByteArray b("II*\0", 4);
-    auto u16 = [&](quint16 v) { b.append(char(v & 0xff)).append(char(v >> 8)); };
-    auto u32 = [&](quint32 v) {
-        for (int i = 0; i < 4; ++i)
-            b.append(char((v >> (8 * i)) & 0xff));
-    };
-    u32(8);
-    struct Entry {
-        quint16 tag, type;
-        quint32 count, value;
-    };
-    Entry const entries[] = {{256, 3, 1, 1}, {257, 3, 1, 1},   {258, 3, 1, 8}, {259, 3, 1, 1},
-                             {262, 3, 1, 1}, {273, 4, 1, 110}, {278, 3, 1, 1}, {279, 4, 1, 1}};
-    u16(std::size(entries));
-    for (auto const &e : entries) {
-        u16(e.tag);
-        u16(e.type);
-        u32(e.count);
-        u32(e.value);
-    }
-    u32(0);
-    EXPECT_EQ(b.size(), 110);
-    b.append(char(0x80));
-    return b;
-}
 
 // A one-page PDF, written by hand.
 QByteArray PdfBytes()
@@ -103,13 +64,24 @@ QString Exiftool()
     return QStandardPaths::findExecutable(QStringLiteral("exiftool"));
 }
 
+QByteArray RunExiftool(QStringList const &arguments)
+{
+    QProcess process;
+    process.start(Exiftool(), arguments);
+    process.waitForFinished(30000);
+    return process.readAllStandardOutput();
+}
+
 // One tag as exiftool prints it (-s3), or the empty string.
 QString ExifRead(QString const &file, QString const &tag)
 {
-    QProcess process;
-    process.start(Exiftool(), {QStringLiteral("-s3"), QStringLiteral("-") + tag, file});
-    process.waitForFinished(30000);
-    return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
+    return QString::fromUtf8(RunExiftool({QStringLiteral("-s3"), QStringLiteral("-") + tag, file})).trimmed();
+}
+
+// Another program changes the file in place.
+void ExifWrite(QString const &file, QStringList const &assignments)
+{
+    RunExiftool(QStringList{QStringLiteral("-q"), QStringLiteral("-overwrite_original")} + assignments << file);
 }
 
 class FileProviderTest : public ::testing::Test {
@@ -152,10 +124,10 @@ protected:
         GetValue(V(provider, ns, name), text, result);
         return text;
     }
-    // Writes a file with keywords, a title and a property of an undeclared namespace.
-    QString FileWithMetadata(QString const &name, QByteArray const &image)
+    // Writes a JPEG with keywords, a title and a property of an undeclared namespace.
+    QString FileWithMetadata(QString const &name)
     {
-        QString const path = Write(name, image);
+        QString const path = Write(name, ImageBytes("JPG"));
         auto provider = Open(path);
         EXPECT_TRUE(provider);
         {
@@ -174,91 +146,9 @@ protected:
     QTemporaryDir mDir;
 };
 
-TEST_F(FileProviderTest, EachWritableFormatKeepsWhatWasSavedAndExiftoolAgrees)
+TEST_F(FileProviderTest, OnlyWhatChangedIsWrittenAndTheRestIsKept)
 {
-    struct Case {
-        char const *name;
-        QByteArray bytes;
-    } const cases[] = {{"photo.jpg", ImageBytes("JPG")}, {"photo.png", ImageBytes("PNG")}, {"photo.tif", TiffBytes()}};
-    for (auto const &c : cases) {
-        SCOPED_TRACE(c.name);
-        QString const path = Write(QString::fromLatin1(c.name), c.bytes);
-        auto provider = Open(path);
-        ASSERT_TRUE(provider);
-        // No XMP yet (a TIFF shows its own tags, reconciled into XMP).
-        EXPECT_TRUE(provider->GetMeta()->TopLevelProperties(kDC).empty());
-        EXPECT_TRUE(provider->SidecarPath().empty());
-        {
-            MetaDataUpdateAccess access(provider);
-            ASSERT_TRUE(SetValue(V(provider, kDC, "subject"), "boat; sea"));
-            ASSERT_TRUE(SetValue(V(provider, kDC, "title"), "Harbour"));
-            ASSERT_TRUE(SetMinimalFloatValue(V(provider, kXMP, "Rating"), 4.0));
-            access.AddChange(Path{});
-        }
-        EXPECT_TRUE(provider->IsModified());
-        std::string error;
-        ASSERT_TRUE(provider->Save(&error)) << error;
-        EXPECT_FALSE(provider->IsModified());
-        EXPECT_FALSE(QFileInfo::exists(mDir.filePath(QStringLiteral("photo.xmp"))));
-
-        auto reread = Open(path);
-        ASSERT_TRUE(reread);
-        EXPECT_EQ(Text(reread, kDC, "subject"), "boat; sea");
-        EXPECT_EQ(Text(reread, kDC, "title"), "Harbour");
-        EXPECT_EQ(Text(reread, kXMP, "Rating"), "4");
-        if (!Exiftool().isEmpty()) {
-            EXPECT_EQ(ExifRead(path, QStringLiteral("XMP-dc:Subject")), QStringLiteral("boat, sea"));
-            EXPECT_EQ(ExifRead(path, QStringLiteral("XMP-dc:Title")), QStringLiteral("Harbour"));
-            EXPECT_EQ(ExifRead(path, QStringLiteral("XMP-xmp:Rating")), QStringLiteral("4"));
-        }
-    }
-    EXPECT_TRUE(GetErrorInfos().empty());
-    if (Exiftool().isEmpty()) GTEST_SKIP() << "exiftool is not installed: second reader not checked";
-}
-
-TEST_F(FileProviderTest, SavingKeepsUneditedAndUndeclaredProperties)
-{
-    QString const path = FileWithMetadata(QStringLiteral("keep.jpg"), ImageBytes("JPG"));
-    auto provider = Open(path);
-    ASSERT_TRUE(provider);
-    {
-        MetaDataUpdateAccess access(provider);
-        ASSERT_TRUE(SetValue(V(provider, kXMP, "Rating"), 5));
-        access.AddChange(V(provider, kXMP, "Rating").mPath);
-    }
-    ASSERT_TRUE(provider->Save());
-    auto reread = Open(path);
-    EXPECT_EQ(Text(reread, kXMP, "Rating"), "5");
-    EXPECT_EQ(Text(reread, kDC, "subject"), "boat; sea");
-    EXPECT_EQ(Text(reread, kDC, "title"), "Harbour");
-    std::string secret;
-    EXPECT_TRUE(reread->GetMeta()->GetProperty(kFoo, "foo:secret", secret));
-    EXPECT_EQ(secret, "kept");
-    if (!Exiftool().isEmpty()) {
-        EXPECT_EQ(ExifRead(path, QStringLiteral("XMP:Secret")), QStringLiteral("kept"));
-    }
-}
-
-TEST_F(FileProviderTest, SavingLeavesExifAndIptcBlocksAlone)
-{
-    if (Exiftool().isEmpty()) GTEST_SKIP() << "exiftool is not installed";
-    QString const path = Write(QStringLiteral("legacy.jpg"), ImageBytes("JPG"));
-    QProcess process;
-    process.start(Exiftool(), {QStringLiteral("-q"), QStringLiteral("-overwrite_original"),
-                               QStringLiteral("-EXIF:Artist=Ann Example"), QStringLiteral("-IPTC:City=Kiel"), path});
-    ASSERT_TRUE(process.waitForFinished(30000));
-    auto provider = Open(path);
-    ASSERT_TRUE(provider);
-    ASSERT_TRUE(SetValue(V(provider, kDC, "subject"), "boat"));
-    ASSERT_TRUE(provider->Save());
-    EXPECT_EQ(ExifRead(path, QStringLiteral("EXIF:Artist")), QStringLiteral("Ann Example"));
-    EXPECT_EQ(ExifRead(path, QStringLiteral("IPTC:City")), QStringLiteral("Kiel"));
-    EXPECT_EQ(ExifRead(path, QStringLiteral("XMP-dc:Subject")), QStringLiteral("boat"));
-}
-
-TEST_F(FileProviderTest, NothingIsWrittenWhenNothingChanged)
-{
-    QString const path = FileWithMetadata(QStringLiteral("same.jpg"), ImageBytes("JPG"));
+    QString const path = FileWithMetadata(QStringLiteral("keep.jpg"));
     QByteArray const before = Read(path);
     QDateTime const stamp = QFileInfo(path).lastModified();
     auto provider = Open(path);
@@ -271,6 +161,19 @@ TEST_F(FileProviderTest, NothingIsWrittenWhenNothingChanged)
     EXPECT_TRUE(provider->Save());
     EXPECT_EQ(Read(path), before);
     EXPECT_EQ(QFileInfo(path).lastModified(), stamp);
+
+    ASSERT_TRUE(SetValue(V(provider, kXMP, "Rating"), 5));
+    ASSERT_TRUE(provider->Save());
+    auto reread = Open(path);
+    EXPECT_EQ(Text(reread, kXMP, "Rating"), "5");
+    EXPECT_EQ(Text(reread, kDC, "subject"), "boat; sea");
+    EXPECT_EQ(Text(reread, kDC, "title"), "Harbour");
+    std::string secret;
+    EXPECT_TRUE(reread->GetMeta()->GetProperty(kFoo, "foo:secret", secret));
+    EXPECT_EQ(secret, "kept");
+    if (!Exiftool().isEmpty()) {
+        EXPECT_EQ(ExifRead(path, QStringLiteral("XMP:Secret")), QStringLiteral("kept"));
+    }
 }
 
 TEST_F(FileProviderTest, FormatsWithoutXmpSupportTakeASidecarOnlyWhenAsked)
@@ -297,6 +200,14 @@ TEST_F(FileProviderTest, FormatsWithoutXmpSupportTakeASidecarOnlyWhenAsked)
     if (!Exiftool().isEmpty()) {
         EXPECT_EQ(ExifRead(sidecar, QStringLiteral("XMP-dc:Subject")), QStringLiteral("memo"));
     }
+
+    // A sidecar that cannot replace what is in its place is not written.
+    QFile::remove(sidecar);
+    QDir(mDir.path()).mkdir(QStringLiteral("notes.xmp"));
+    ASSERT_TRUE(SetValue(V(provider, kDC, "subject"), "x"));
+    EXPECT_FALSE(provider->Save(&error));
+    EXPECT_TRUE(provider->IsModified());
+    EXPECT_TRUE(QFileInfo(sidecar).isDir());
 }
 
 TEST_F(FileProviderTest, PacketsFoundOnlyByScanningAreReadOnly)
@@ -308,10 +219,7 @@ TEST_F(FileProviderTest, PacketsFoundOnlyByScanningAreReadOnly)
 
     if (Exiftool().isEmpty()) GTEST_SKIP() << "exiftool is not installed: no PDF with a packet";
     QString const path = Write(QStringLiteral("doc.pdf"), PdfBytes());
-    QProcess process;
-    process.start(Exiftool(), {QStringLiteral("-q"), QStringLiteral("-overwrite_original"),
-                               QStringLiteral("-XMP-dc:Subject=draft"), path});
-    ASSERT_TRUE(process.waitForFinished(30000));
+    ExifWrite(path, {QStringLiteral("-XMP-dc:Subject=draft")});
     QByteArray const before = Read(path);
     std::string error;
     auto provider = Open(path, &error);
@@ -323,8 +231,6 @@ TEST_F(FileProviderTest, PacketsFoundOnlyByScanningAreReadOnly)
     EXPECT_FALSE(provider->Save(&error));
     EXPECT_EQ(Read(path), before);
 }
-
-namespace {
 
 // A packet as other programs write them: an identifier in rdf:about,
 // attribute and element forms, EXIF and TIFF properties, an empty struct,
@@ -344,55 +250,74 @@ QByteArray const kForeignPacket =
     "<foo:note rdf:parseType=\"Resource\"><rdf:value>v</rdf:value><foo:by>me</foo:by></foo:note>"
     "</rdf:Description></rdf:RDF></x:xmpmeta><?xpacket end=\"w\"?>";
 
-} // namespace
-
-// The promise of saving: in every container, with room in the packet or
-// not, one edit changes that property (and the metadata date) and nothing
-// else, as our reader and exiftool see it.
-TEST_F(FileProviderTest, AnEditChangesOnlyThatPropertyInEveryContainer)
+// The promise of saving, in every container: a file with EXIF and IPTC but
+// no XMP takes a packet; then, on a packet as another program left it, with
+// room in the packet or not, one edit changes that property (and the
+// metadata date) and nothing else, as our reader and exiftool see it.
+TEST_F(FileProviderTest, EachContainerTakesAPacketAndAnEditChangesOnlyThatProperty)
 {
-    if (Exiftool().isEmpty()) GTEST_SKIP() << "exiftool is not installed: no foreign packets to edit";
     QString const packetFile = Write(QStringLiteral("foreign.xmp"), kForeignPacket);
     struct Case {
         char const *name;
         QByteArray bytes;
-    } const containers[] = {{"f.jpg", ImageBytes("JPG")}, {"f.png", ImageBytes("PNG")}, {"f.tif", TiffBytes()}};
+    } const containers[] = {{"f.jpg", ImageBytes("JPG")},
+                            {"f.png", ImageBytes("PNG")},
+                            {"f.tif", QByteArray::fromStdString(testimages::TiffBytes(true))}};
     // Short: fits once padding exists; long: needs a new container, and for
     // JPEG Extended XMP.
     std::string const values[] = {"New", std::string(90000, 'x')};
     auto xmpJson = [](QString const &file) {
-        QProcess process;
-        process.start(Exiftool(),
-                      {QStringLiteral("-j"), QStringLiteral("-struct"), QStringLiteral("-a"), QStringLiteral("-G1"),
-                       QStringLiteral("-XMP:all"), QStringLiteral("-EXIF:all"), file});
-        process.waitForFinished(30000);
-        QJsonObject object = QJsonDocument::fromJson(process.readAllStandardOutput()).array().at(0).toObject();
+        QJsonObject object =
+            QJsonDocument::fromJson(RunExiftool({QStringLiteral("-j"), QStringLiteral("-struct"), QStringLiteral("-a"),
+                                                 QStringLiteral("-G1"), QStringLiteral("-XMP:all"),
+                                                 QStringLiteral("-EXIF:all"), QStringLiteral("-IPTC:all"), file}))
+                .array()
+                .at(0)
+                .toObject();
         object.remove(QStringLiteral("SourceFile"));
         return object;
     };
     for (auto const &c : containers) {
+        SCOPED_TRACE(c.name);
         QString const path = Write(QString::fromLatin1(c.name), c.bytes);
-        QProcess process;
-        process.start(Exiftool(), {QStringLiteral("-q"), QStringLiteral("-overwrite_original"),
-                                   QStringLiteral("-XMP<=") + packetFile, path});
-        ASSERT_TRUE(process.waitForFinished(30000));
+        if (!Exiftool().isEmpty())
+            ExifWrite(path, {QStringLiteral("-EXIF:Artist=Ann Example"), QStringLiteral("-IPTC:City=Kiel")});
+        auto provider = Open(path);
+        ASSERT_TRUE(provider);
+        // No XMP yet (a TIFF shows its own tags, reconciled into XMP).
+        EXPECT_EQ(Text(provider, kDC, "subject"), "");
+        EXPECT_TRUE(provider->SidecarPath().empty());
+        ASSERT_TRUE(SetValue(V(provider, kDC, "subject"), "boat; sea"));
+        ASSERT_TRUE(SetMinimalFloatValue(V(provider, kXMP, "Rating"), 4.0));
+        EXPECT_TRUE(provider->IsModified());
+        std::string error;
+        ASSERT_TRUE(provider->Save(&error)) << error;
+        EXPECT_FALSE(provider->IsModified());
+        EXPECT_FALSE(QFileInfo::exists(mDir.filePath(QStringLiteral("f.xmp"))));
+        EXPECT_EQ(Text(Open(path), kDC, "subject"), "boat; sea");
+        EXPECT_EQ(Text(Open(path), kXMP, "Rating"), "4");
+        EXPECT_TRUE(GetErrorInfos().empty());
+        if (Exiftool().isEmpty()) continue;
+
+        ExifWrite(path, {QStringLiteral("-XMP<=") + packetFile});
         for (std::string const &value : values) {
-            SCOPED_TRACE(std::string(c.name) + " with a value of " + std::to_string(value.size()) + " bytes");
+            SCOPED_TRACE("a value of " + std::to_string(value.size()) + " bytes");
             QJsonObject before = xmpJson(path);
             ASSERT_EQ(before.value(QStringLiteral("XMP-tiff:Make")).toString(), QStringLiteral("Cam"));
+            ASSERT_EQ(before.value(QStringLiteral("IFD0:Artist")).toString(), QStringLiteral("Ann Example"));
+            ASSERT_EQ(before.value(QStringLiteral("IPTC:City")).toString(), QStringLiteral("Kiel"));
             FileOpenOptions options;
             options.mImportLegacy = false;
             auto original = FileMetaDataProvider::Open(path.toStdU16String(), nullptr, options);
             ASSERT_TRUE(original && original->IsWritable());
             auto const originalMeta = original->GetMeta()->Clone();
 
-            auto provider = Open(path);
+            provider = Open(path);
             {
                 MetaDataUpdateAccess access(provider);
                 ASSERT_TRUE(SetValue(V(provider, kPhotoshop, "Headline"), value));
                 access.AddChange(Path{});
             }
-            std::string error;
             ASSERT_TRUE(provider->Save(&error)) << error;
 
             auto reread = FileMetaDataProvider::Open(path.toStdU16String(), nullptr, options);
@@ -412,19 +337,18 @@ TEST_F(FileProviderTest, AnEditChangesOnlyThatPropertyInEveryContainer)
             EXPECT_EQ(before, after) << QJsonDocument(after).toJson().toStdString();
         }
     }
+    if (Exiftool().isEmpty())
+        GTEST_SKIP() << "exiftool is not installed: foreign packets and second reader not checked";
 }
 
 TEST_F(FileProviderTest, EditsGoOntoThePacketAsAnotherProgramLeftIt)
 {
     if (Exiftool().isEmpty()) GTEST_SKIP() << "exiftool is not installed: no other program to change the file";
-    QString const path = FileWithMetadata(QStringLiteral("shared.jpg"), ImageBytes("JPG"));
+    QString const path = FileWithMetadata(QStringLiteral("shared.jpg"));
     auto provider = Open(path);
     ASSERT_TRUE(provider);
-    QProcess process;
-    process.start(Exiftool(), {QStringLiteral("-q"), QStringLiteral("-overwrite_original"),
-                               QStringLiteral("-XMP-photoshop:City=Kiel"), QStringLiteral("-XMP-dc:Rights=Ann"),
-                               QStringLiteral("-XMP-dc:Title=Theirs"), path});
-    ASSERT_TRUE(process.waitForFinished(30000));
+    ExifWrite(path, {QStringLiteral("-XMP-photoshop:City=Kiel"), QStringLiteral("-XMP-dc:Rights=Ann"),
+                     QStringLiteral("-XMP-dc:Title=Theirs")});
     {
         MetaDataUpdateAccess access(provider);
         ASSERT_TRUE(SetValue(V(provider, kDC, "title"), "Mine"));
@@ -444,20 +368,12 @@ TEST_F(FileProviderTest, EditsGoOntoThePacketAsAnotherProgramLeftIt)
     for (char const *name : {"photoshop:City", "dc:rights", "dc:title"})
         EXPECT_NE(notices.find(name), std::string::npos) << name << " not in:\n" << notices;
     EXPECT_NE(notices.find("your edit replaced"), std::string::npos) << notices;
-
-    // A packet that can no longer be read is not written over.
-    QByteArray broken = Read(path);
-    broken.replace("</rdf:RDF>", "</rdf:RDX>");
-    Write(QStringLiteral("shared.jpg"), broken);
-    ASSERT_TRUE(SetValue(V(provider, kXMP, "Rating"), 1));
-    EXPECT_FALSE(provider->Save(&error));
-    EXPECT_EQ(Read(path), broken);
 }
 
 TEST_F(FileProviderTest, LinksAndRelativePathsReachTheRealFile)
 {
     QDir(mDir.path()).mkpath(QStringLiteral("real/sub dir"));
-    QString const target = FileWithMetadata(QStringLiteral("real/sub dir/fjörd ß.jpg"), ImageBytes("JPG"));
+    QString const target = FileWithMetadata(QStringLiteral("real/sub dir/fjörd ß.jpg"));
     QString const link = mDir.filePath(QStringLiteral("link.jpg"));
     ASSERT_TRUE(QFile::link(target, link));
     QString const previous = QDir::currentPath();
@@ -479,7 +395,7 @@ TEST_F(FileProviderTest, LinksAndRelativePathsReachTheRealFile)
 
 TEST_F(FileProviderTest, AFullDiskLeavesTheFileAsItWas)
 {
-    QString const path = FileWithMetadata(QStringLiteral("full.jpg"), ImageBytes("JPG"));
+    QString const path = FileWithMetadata(QStringLiteral("full.jpg"));
     QByteArray const before = Read(path);
     // The file-size limit of a child process stands in for a full disk.
     pid_t const child = fork();
@@ -503,13 +419,10 @@ TEST_F(FileProviderTest, AFullDiskLeavesTheFileAsItWas)
 
 TEST_F(FileProviderTest, DamagedFilesAreReadOnlyAndNeverOverwritten)
 {
-    QByteArray const good = Read(FileWithMetadata(QStringLiteral("good.jpg"), ImageBytes("JPG")));
-    int const rdf = good.indexOf("</rdf:RDF>");
-    ASSERT_GT(rdf, 0);
-    QByteArray malformed = good;
-    malformed.replace(rdf, 10, "</rdf:RDX>");
+    QByteArray const good = Read(FileWithMetadata(QStringLiteral("good.jpg")));
+    QByteArray const malformed = QByteArray(good).replace("</rdf:RDF>", "</rdf:RDX>");
     QByteArray const truncated = good.left(good.indexOf("Harbour"));
-    QByteArray const emptyFile;
+    ASSERT_NE(malformed, good);
 
     struct Case {
         char const *name;
@@ -546,98 +459,86 @@ TEST_F(FileProviderTest, MissingAndUnreadableFilesGiveNoProvider)
     EXPECT_NE(error.find("does not exist"), std::string::npos);
     EXPECT_EQ(Open(mDir.path(), &error), nullptr);
     EXPECT_EQ(GetErrorInfos().size(), 2u);
-}
-
-TEST_F(FileProviderTest, FailedWritesLeaveTheFileAsItWas)
-{
-    // A sidecar that cannot replace what is in its place.
-    QString const data = Write(QStringLiteral("blocked.dat"), QByteArray("bytes"));
-    FileOpenOptions sidecar;
-    sidecar.mUseSidecar = true;
-    auto sidecarProvider = FileMetaDataProvider::Open(data.toStdU16String(), nullptr, sidecar);
-    ASSERT_TRUE(sidecarProvider);
-    QDir(mDir.path()).mkdir(QStringLiteral("blocked.xmp"));
-    ASSERT_TRUE(SetValue(V(sidecarProvider, kDC, "subject"), "x"));
-    std::string error;
-    EXPECT_FALSE(sidecarProvider->Save(&error));
-    EXPECT_TRUE(sidecarProvider->IsModified());
-    EXPECT_TRUE(QFileInfo(mDir.filePath(QStringLiteral("blocked.xmp"))).isDir());
-
-    // A file removed while it was open.
-    QString const gone = FileWithMetadata(QStringLiteral("gone.jpg"), ImageBytes("JPG"));
-    auto goneProvider = Open(gone);
-    QFile::remove(gone);
-    ASSERT_TRUE(SetValue(V(goneProvider, kXMP, "Rating"), 1));
-    ClearErrorInfos();
-    EXPECT_FALSE(goneProvider->Save(&error));
-    EXPECT_EQ(GetErrorInfos().size(), 1u);
-    EXPECT_FALSE(QFileInfo::exists(gone));
-}
-
-TEST_F(FileProviderTest, FilesAndFoldersWithoutPermissionAreRefusedAndKept)
-{
-    std::string error;
     if (geteuid() != 0) {
-        // Root reads any file; the write checks below hold for root too.
+        // Root reads any file; the write checks of the next test hold for root too.
         QString const locked = Write(QStringLiteral("locked.jpg"), ImageBytes("JPG"));
         QFile::setPermissions(locked, QFileDevice::Permissions());
         EXPECT_EQ(Open(locked, &error), nullptr);
         EXPECT_NE(error.find("permission"), std::string::npos);
     }
-
-    for (bool lockFolder : {false, true}) {
-        SCOPED_TRACE(lockFolder ? "read-only folder" : "read-only file");
-        QDir(mDir.path()).mkdir(QStringLiteral("ro"));
-        QString const path = FileWithMetadata(QStringLiteral("ro/photo%1.jpg").arg(lockFolder), ImageBytes("JPG"));
-        QByteArray const before = Read(path);
-        auto provider = Open(path);
-        ASSERT_TRUE(SetValue(V(provider, kXMP, "Rating"), 1));
-        if (lockFolder)
-            QFile::setPermissions(mDir.filePath(QStringLiteral("ro")), QFileDevice::ReadOwner | QFileDevice::ExeOwner);
-        else
-            QFile::setPermissions(path, QFileDevice::ReadOwner);
-        EXPECT_FALSE(provider->Save(&error));
-        EXPECT_EQ(Read(path), before);
-        QFile::setPermissions(mDir.filePath(QStringLiteral("ro")),
-                              QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
-    }
 }
 
-TEST_F(FileProviderTest, AWorkingCopyCommittedIntoSeveralFilesIsSavedToEach)
+// Whatever stops a write after the file was opened, the save fails with a
+// reason, the edit stays pending and the file stays as it is.
+TEST_F(FileProviderTest, FailedWritesLeaveTheFileAsItWas)
 {
-    QString const first = FileWithMetadata(QStringLiteral("a.jpg"), ImageBytes("JPG"));
-    QString const second = Write(QStringLiteral("b.png"), ImageBytes("PNG"));
-    auto a = Open(first);
-    auto b = Open(second);
-    // Each file is edited through a deep copy, as the editing dialog does.
-    auto copyA = std::make_shared<MemoryMetaDataProvider>(a->GetMeta()->Clone());
-    auto copyB = std::make_shared<MemoryMetaDataProvider>(b->GetMeta()->Clone());
-    auto multi = std::make_shared<MultiMetaDataProvider>(std::vector<std::shared_ptr<MetaDataProvider>>{copyA, copyB});
-    {
-        MetaDataUpdateAccess access(multi);
-        ASSERT_TRUE(SetValue(V(multi, kDC, "creator"), "Ann; Bob"));
-        ASSERT_TRUE(DeleteValue(V(multi, kDC, "title")));
-        access.AddChange(Path{});
+    QString const folder = mDir.filePath(QStringLiteral("ro"));
+    QDir(mDir.path()).mkdir(QStringLiteral("ro"));
+    struct Case {
+        char const *name;
+        std::function<void(QString const &)> breakIt;
+    } const cases[] = {
+        {"read-only file", [](QString const &path) { QFile::setPermissions(path, QFileDevice::ReadOwner); }},
+        {"read-only folder",
+         [&](QString const &) { QFile::setPermissions(folder, QFileDevice::ReadOwner | QFileDevice::ExeOwner); }},
+        {"file removed", [](QString const &path) { QFile::remove(path); }},
+        {"packet broken on disk",
+         [](QString const &path) {
+             QByteArray broken = Read(path);
+             QFile file(path);
+             ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+             file.write(broken.replace("</rdf:RDF>", "</rdf:RDX>"));
+         }},
+    };
+    for (auto const &c : cases) {
+        SCOPED_TRACE(c.name);
+        QString const path = FileWithMetadata(QStringLiteral("ro/%1.jpg").arg(QLatin1String(c.name)));
+        auto provider = Open(path);
+        ASSERT_TRUE(SetValue(V(provider, kXMP, "Rating"), 1));
+        c.breakIt(path);
+        QByteArray const before = Read(path);
+        ClearErrorInfos();
+        std::string error;
+        EXPECT_FALSE(provider->Save(&error));
+        EXPECT_NE(error.find("the file was left as it was"), std::string::npos) << error;
+        EXPECT_EQ(GetErrorInfos().size(), 1u);
+        EXPECT_TRUE(provider->IsModified());
+        EXPECT_EQ(Read(path), before);
+        QFile::setPermissions(folder, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
     }
-    EXPECT_FALSE(a->IsModified());
-    for (auto const &[file, copy] : {std::pair{a, copyA}, std::pair{b, copyB}}) {
-        MetaDataUpdateAccess access(file);
-        RemoveProperties(*access.GetMeta(), {}, {}, kUtilDoAllProperties);
-        AppendProperties(*copy->GetMeta(), *access.GetMeta(), kUtilDoAllProperties);
-        access.AddChange(Path{});
-    }
-    ASSERT_TRUE(a->IsModified());
-    ASSERT_TRUE(a->Save());
-    ASSERT_TRUE(b->Save());
-    for (QString const &path : {first, second}) {
+    // Nothing is left behind, and the removed file stays removed.
+    EXPECT_EQ(QDir(folder).entryList(QDir::Files | QDir::Hidden).size(), 3);
+}
+
+// Each file is edited through a deep copy, as the editing dialog does, and
+// the copy is committed into the file's own object.
+TEST_F(FileProviderTest, AWorkingCopyCommittedIntoAFileIsSaved)
+{
+    for (QString const &path :
+         {FileWithMetadata(QStringLiteral("a.jpg")), Write(QStringLiteral("b.png"), ImageBytes("PNG"))}) {
+        SCOPED_TRACE(path.toStdString());
+        auto file = Open(path);
+        std::string const subject = Text(file, kDC, "subject");
+        auto copy = std::make_shared<MemoryMetaDataProvider>(file->GetMeta()->Clone());
+        ASSERT_TRUE(SetValue(V(copy, kDC, "creator"), "Ann; Bob"));
+        DeleteValue(V(copy, kDC, "title"));
+        EXPECT_FALSE(file->IsModified());
+        {
+            MetaDataUpdateAccess access(file);
+            RemoveProperties(*access.GetMeta(), {}, {}, kUtilDoAllProperties);
+            AppendProperties(*copy->GetMeta(), *access.GetMeta(), kUtilDoAllProperties);
+            access.AddChange(Path{});
+        }
+        ASSERT_TRUE(file->IsModified());
+        ASSERT_TRUE(file->Save());
         auto reread = Open(path);
         EXPECT_EQ(Text(reread, kDC, "creator"), "Ann; Bob");
         EXPECT_EQ(Text(reread, kDC, "title"), "");
+        EXPECT_EQ(Text(reread, kDC, "subject"), subject);
         if (!Exiftool().isEmpty()) {
             EXPECT_EQ(ExifRead(path, QStringLiteral("XMP-dc:Creator")), QStringLiteral("Ann, Bob"));
         }
     }
-    EXPECT_EQ(Text(Open(first), kDC, "subject"), "boat; sea");
 }
 
 } // namespace

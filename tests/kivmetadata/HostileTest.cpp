@@ -15,13 +15,12 @@
 
 #include <gtest/gtest.h>
 
-#include <QBuffer>
 #include <QDir>
 #include <QFile>
-#include <QImage>
 #include <QTemporaryDir>
 
 #include "HostilePackets.h"
+#include "TestImages.h"
 
 using namespace kivmetadata;
 
@@ -33,17 +32,8 @@ constexpr char kCrs[] = "http://ns.adobe.com/camera-raw-settings/1.0/";
 
 std::string JpegWithPacket(std::string const &packet)
 {
-    QImage image(8, 8, QImage::Format_RGB32);
-    image.fill(Qt::gray);
-    QByteArray jpeg;
-    QBuffer buffer(&jpeg);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, "JPEG");
-    std::string const body = std::string("http://ns.adobe.com/xap/1.0/", 29) + packet;
-    std::string segment = "\xFF\xE1";
-    segment += char((body.size() + 2) >> 8);
-    segment += char((body.size() + 2) & 0xff);
-    return "\xFF\xD8" + segment + body + std::string(jpeg.constData() + 2, std::size_t(jpeg.size() - 2));
+    std::string const jpeg = testimages::ImageBytes("JPG").toStdString();
+    return "\xFF\xD8" + testimages::App1(std::string("http://ns.adobe.com/xap/1.0/", 29) + packet) + jpeg.substr(2);
 }
 
 class HostileTest : public ::testing::Test {
@@ -132,14 +122,6 @@ TEST_F(HostileTest, HostilePacketsOpenReadOnlyShowingNothingAndNamingTheLimit)
 TEST_F(HostileTest, BrokenUserFilesAreNamedAndSkippedWhileTheRestLoads)
 {
     using namespace hostile;
-    auto deepXml = [](char const *root, int depth) {
-        std::string xml = std::string("<") + root + ">";
-        for (int i = 0; i < depth; ++i)
-            xml += "<a>";
-        for (int i = 0; i < depth; ++i)
-            xml += "</a>";
-        return xml + "</" + root + ">";
-    };
     std::string manyEntries = "<mru xmlns=\"urn:kivmetadata:mru:1\"><list key=\"k\">";
     for (int i = 0; i < 100001; ++i)
         manyEntries += "<entry>x</entry>";
@@ -151,7 +133,7 @@ TEST_F(HostileTest, BrokenUserFilesAreNamedAndSkippedWhileTheRestLoads)
         std::string bytes;
         char const *reason;
     } const cases[] = {
-        {QStringLiteral("data/custom_schemas/deep.xml"), deepXml("schema", 200), "nests elements more than 100"},
+        {QStringLiteral("data/custom_schemas/deep.xml"), Deep(200), "nests elements more than 100"},
         {QStringLiteral("data/panels/doctype.xml"), "<!DOCTYPE panel [<!ENTITY a \"aaaa\">]><panel/>",
          "declares a document type (DOCTYPE)"},
         {QStringLiteral("data/panels/huge.xml"), std::string(33u << 20, ' '), "the file is 33.0 MB"},

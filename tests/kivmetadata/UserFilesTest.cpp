@@ -82,7 +82,7 @@ struct RecordingBuilder : ViewBuilderInterface {
     std::vector<std::string> mLog;
 };
 
-TEST_F(UserFilesTest, RecentEntriesAreBoundedNewestFirstAndPersist)
+TEST_F(UserFilesTest, RecentEntriesAreBoundedNewestFirstPersistAndSurviveCorruptFiles)
 {
     UpdateMRULists("dc:subject", {u"boat", u"sea"});
     UpdateMRULists("dc:subject", {u"harbour", u"boat", u""});
@@ -100,10 +100,8 @@ TEST_F(UserFilesTest, RecentEntriesAreBoundedNewestFirstAndPersist)
     SetUserDataDirectory(mData);
     ASSERT_TRUE(Initialize());
     EXPECT_EQ(GetMRUList("dc:subject").front(), u"harbour");
-}
 
-TEST_F(UserFilesTest, ACorruptRecentListIsSetAsideNotLost)
-{
+    // A corrupt list is set aside, not lost, and a new one is started.
     SetUserDataDirectory(mData + u"/corrupt");
     Put(mData + u"/corrupt/mru/mru.xml", "<mru><list key=\"k\"><entry>x</entry>");
     ClearErrorInfos();
@@ -170,25 +168,7 @@ TEST_F(UserFilesTest, ViewSettingsRoundTripAndRefuseFilesThatDoNotParse)
 
 TEST_F(UserFilesTest, BuildViewWalksSectionsStructsAndArraysAndSkipsWhatItCannotShow)
 {
-    auto view = ParseViewDefinition(R"(<panel xmlns="urn:kivmetadata:panel:1" name="Mine" label="Mine">
-  <property path="dc:title"/>
-  <section label="First">
-    <property path="xmp:Rating" rating="true" size="16"/>
-    <property path="dc:format" dropdown="true" openChoice="true" label="Kind">
-      <choice value="image/jpeg" label="JPEG"/>
-    </property>
-    <property path="dc:nonsense"/>
-    <property path="zz:Unknown"/>
-    <struct path="Iptc4xmpCore:CreatorContactInfo" readOnly="true"/>
-    <array path="dc:subject"/>
-    <property path="Iptc4xmpExt:LocationShown"/>
-    <section label="nested sections are refused"/>
-  </section>
-</panel>)",
-                                    u"mine.xml");
-    EXPECT_EQ(view, nullptr); // a section inside a section
-
-    view = ParseViewDefinition(R"(<panel xmlns="urn:kivmetadata:panel:1" name="Mine" label="Mine">
+    std::string panel = R"(<panel xmlns="urn:kivmetadata:panel:1" name="Mine" label="Mine">
   <property path="dc:title"/>
   <section label="First">
     <property path="xmp:Rating" rating="true" size="16"/>
@@ -201,8 +181,11 @@ TEST_F(UserFilesTest, BuildViewWalksSectionsStructsAndArraysAndSkipsWhatItCannot
     <array path="dc:subject"/>
     <property path="Iptc4xmpExt:LocationShown"/>
   </section>
-</panel>)",
-                               u"mine.xml");
+</panel>)";
+    std::string nested = panel;
+    nested.insert(nested.rfind("  </section>"), "    <section label=\"nested sections are refused\"/>\n");
+    EXPECT_EQ(ParseViewDefinition(nested, u"mine.xml"), nullptr);
+    auto view = ParseViewDefinition(panel, u"mine.xml");
     ASSERT_TRUE(view);
     RegisterViewDefinition(view);
     EXPECT_EQ(GetViewDefinitionForName("Mine"), view);

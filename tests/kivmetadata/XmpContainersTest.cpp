@@ -1,11 +1,11 @@
 #include "XmpContainers_p.h"
 
+#include "TestImages.h"
+
 #include <gtest/gtest.h>
 
-#include <QBuffer>
 #include <QFile>
 #include <QFileInfo>
-#include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -19,6 +19,7 @@
 #include <string>
 
 using namespace kivmetadata::detail;
+using namespace testimages;
 using Kind = XmpContainerKind;
 using namespace std::string_view_literals;
 
@@ -32,25 +33,6 @@ std::uint32_t Be32(std::string_view s, std::size_t i)
     return v;
 }
 
-std::string Be(std::uint32_t v, int bytes)
-{
-    std::string s;
-    for (int i = bytes - 1; i >= 0; --i)
-        s.push_back(char((v >> (8 * i)) & 0xFF));
-    return s;
-}
-
-std::string ImageBytes(char const *format)
-{
-    QImage image(16, 8, QImage::Format_RGB32);
-    image.fill(QColor(40, 120, 200));
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, format);
-    return bytes.toStdString();
-}
-
 // A JPEG segment right after the first one (Qt writes APP0 first).
 std::string AfterApp0(std::string const &jpeg, std::string_view segments)
 {
@@ -58,45 +40,10 @@ std::string AfterApp0(std::string const &jpeg, std::string_view segments)
     return jpeg.substr(0, at) + std::string(segments) + jpeg.substr(at);
 }
 
-std::string App1(std::string_view payload)
-{
-    return "\xFF\xE1" + Be(std::uint32_t(payload.size() + 2), 2) + std::string(payload);
-}
-
 std::string ExtendedChunk(std::string_view guid, std::uint32_t total, std::uint32_t offset, std::string_view data)
 {
     return App1(std::string("http://ns.adobe.com/xmp/extension/\0", 35) + std::string(guid) + Be(total, 4) +
                 Be(offset, 4) + std::string(data));
-}
-
-// One grey pixel with Software (an offset value) before and Copyright (an
-// inline value) after where tag 700 goes, and an IFD1; 165 bytes.
-constexpr std::size_t kTiffPixel = 164;
-constexpr std::size_t kTiffCopy = 166; // where a copy of IFD0 goes
-
-std::string TiffBytes(bool little)
-{
-    std::string b = little ? std::string("II*\0", 4) : std::string("MM\0*", 4);
-    auto put = [&](std::uint32_t v, int bytes) {
-        std::string const be = Be(v, bytes);
-        b += little ? std::string(be.rbegin(), be.rend()) : be;
-    };
-    put(8, 4);
-    struct Entry {
-        std::uint16_t tag, type;
-        std::uint32_t count, value;
-    } const entries[] = {{256, 3, 1, 1},   {257, 3, 1, 1}, {258, 3, 1, 8}, {259, 3, 1, 1},    {262, 3, 1, 1},
-                         {273, 4, 1, 164}, {278, 3, 1, 1}, {279, 4, 1, 1}, {305, 2, 12, 152}, {33432, 2, 4, 0}};
-    put(std::size(entries), 2);
-    for (auto const &e : entries) {
-        put(e.tag, 2), put(e.type, 2), put(e.count, 4);
-        // Inline values sit at the start of the field: SHORTs, and "(c)".
-        put(e.tag == 33432 ? (little ? 0x00296328 : 0x28632900) : e.type == 3 && !little ? e.value << 16 : e.value, 4);
-    }
-    put(134, 4);
-    put(1, 2), put(254, 2), put(4, 2), put(1, 4), put(1, 4), put(0, 4);
-    b += std::string("kivtest 1.0\0", 12) + char(0x80);
-    return b;
 }
 
 constexpr char kRdf[] = "<x:xmpmeta xmlns:x=\"adobe:ns:meta/\"><rdf:RDF "
@@ -152,13 +99,34 @@ struct Fixture {
 
 std::vector<Fixture> Fixtures()
 {
-    std::string const jpeg = ImageBytes("JPG");
+    std::string const jpeg = ImageBytes("JPG").toStdString();
     std::string const exif = App1(std::string("Exif\0\0II*\0\x08\0\0\0\0\0\0\0", 16));
     return {{"jpeg", jpeg, Kind::kJpeg},
             {"jpeg with Exif", AfterApp0(jpeg, exif), Kind::kJpeg},
-            {"png", ImageBytes("PNG"), Kind::kPng},
+            {"png", ImageBytes("PNG").toStdString(), Kind::kPng},
             {"tiff II", TiffBytes(true), Kind::kTiff},
             {"tiff MM", TiffBytes(false), Kind::kTiff}};
+}
+
+// exiftool's output lines for these bytes, written to `path`.
+QStringList Exiftool(QStringList arguments, std::string const &bytes, QString const &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes.data(), qint64(bytes.size())) != qint64(bytes.size()))
+        return {};
+    file.close();
+    QProcess process;
+    process.start(QStringLiteral("/usr/bin/exiftool"), arguments << path);
+    process.waitForFinished(60000);
+    return QString::fromUtf8(process.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts);
+}
+
+QSet<QString> Warnings(std::string const &bytes, QString const &path)
+{
+    QSet<QString> set;
+    for (QString const &line : Exiftool({"-validate", "-warning", "-a", "-s"}, bytes, path))
+        if (line.startsWith(QStringLiteral("Warning "))) set.insert(line.section(u':', 1).trimmed());
+    return set;
 }
 
 } // namespace
@@ -218,7 +186,7 @@ TEST(XmpContainersTest, AddsReplacesAndOverwritesThePacket)
 TEST(XmpContainersTest, ExtendedXmpIsSplitAndReassembled)
 {
     EXPECT_EQ(ExtendedXmpGuid(""), "D41D8CD98F00B204E9800998ECF8427E");
-    std::string const jpeg = ImageBytes("JPG");
+    std::string const jpeg = ImageBytes("JPG").toStdString();
     std::string file = jpeg;
     for (std::size_t size : {200000, 70000}) {
         std::string const extended = Extended(size), guid = ExtendedXmpGuid(extended);
@@ -267,7 +235,8 @@ TEST(XmpContainersTest, DamagedFilesGiveErrorsNotCrashes)
     auto patch = [](std::string s, std::size_t at, std::string_view bytes) {
         return s.replace(at, bytes.size(), bytes);
     };
-    std::string const jpeg = ImageBytes("JPG"), png = ImageBytes("PNG"), tiff = TiffBytes(true);
+    std::string const jpeg = ImageBytes("JPG").toStdString(), png = ImageBytes("PNG").toStdString(),
+                      tiff = TiffBytes(true);
     std::string const pngXmp = Written(png, Kind::kPng, Packet("p")), tiffXmp = Written(tiff, Kind::kTiff, Packet("t"));
     std::size_t const pngXmpChunk = pngXmp.find("iTXt") - 4, pngXmpEnd = pngXmpChunk + 12 + Be32(pngXmp, pngXmpChunk);
     struct {
@@ -298,31 +267,6 @@ TEST(XmpContainersTest, DamagedFilesGiveErrorsNotCrashes)
         EXPECT_EQ(WriteXmpContainer(c.mFile, c.mKind, Packet("new"), {}, {}, out, error), c.mWritable) << error;
     }
 }
-
-namespace {
-
-// exiftool's output lines for these bytes, written to `path`.
-QStringList Exiftool(QStringList arguments, std::string const &bytes, QString const &path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes.data(), qint64(bytes.size())) != qint64(bytes.size()))
-        return {};
-    file.close();
-    QProcess process;
-    process.start(QStringLiteral("/usr/bin/exiftool"), arguments << path);
-    process.waitForFinished(60000);
-    return QString::fromUtf8(process.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts);
-}
-
-QSet<QString> Warnings(std::string const &bytes, QString const &path)
-{
-    QSet<QString> set;
-    for (QString const &line : Exiftool({"-validate", "-warning", "-a", "-s"}, bytes, path))
-        if (line.startsWith(QStringLiteral("Warning "))) set.insert(line.section(u':', 1).trimmed());
-    return set;
-}
-
-} // namespace
 
 TEST(XmpContainersTest, ExiftoolReadsOurContainersWithoutNewWarnings)
 {
