@@ -303,10 +303,6 @@ TEST_F(ControlFactoryTest, HelpersFollowDefinitionsAndViewItems)
     EXPECT_EQ(kivmetadataui::ComposeTooltip(kivmetadata::PathEntryDefinition(TestPath("count"))), u"Count");
     kivmetadataui::ComposeTooltip(nullptr);
     EXPECT_TRUE(asserts.Fired("inDefinition", "kivmetadataui::ComposeTooltip"));
-
-    kivmetadataui::ExcludePath(TestPath("ratio"));
-    EXPECT_TRUE(kivmetadata::IsPropertyExcludedForClient(TestPath("ratio")));
-    kivmetadata::ExcludePropertyForClient(TestPath("ratio"), false);
 }
 
 } // namespace
