@@ -643,7 +643,8 @@ void MetadataView::Private::CreateViewForRow_PathLabel(MetadataViewCell &inCell,
     std::u16string const text = CreateLabelText(inPath);
     IntrusivePtr<kivui::UI_StaticText> label(new kivui::UI_StaticText(text));
     label->SetTextMode(kivui::UI_StaticText::kTextModePlain);
-    // A long label is cut at the value column; the tip shows it whole.
+    // A long label ends in an ellipsis at the value column; the tip shows it whole.
+    label->SetElided(true);
     label->SetToolTip(text + u" (" + kivcore::utility::Utf8ToUtf16(inPath.mPath) + u")");
     inCell.SetChild_Label(label);
 }

@@ -34,6 +34,9 @@ public:
     void SetFontStyle(std::string const &inStyle);
     std::string const &GetFontStyle() const;
     void SetWordWrap(bool inWrap);
+    // A one-line plain text too long for the field ends in an ellipsis
+    // instead of being cut off; GetText still answers the whole text.
+    void SetElided(bool inElided);
 
     // Measured with inDrawbot's supplier when given, else with the label's font.
     kivcore::PointF GetPreferredSize(drawbot::Drawbot const *inDrawbot) const override;

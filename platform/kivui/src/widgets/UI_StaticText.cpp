@@ -5,13 +5,42 @@
 
 #include <QFontMetricsF>
 #include <QLabel>
+#include <QPainter>
+#include <QStyle>
 
 #include <cmath>
 
 namespace kivui {
 
+namespace {
+
+// A label that can end a text too long for it with an ellipsis.
+class StaticTextLabel : public QLabel {
+public:
+    bool mElided = false;
+
+protected:
+    void paintEvent(QPaintEvent *inEvent) override
+    {
+        QRect const area = contentsRect().adjusted(margin(), margin(), -margin(), -margin());
+        if (!mElided || wordWrap() || textFormat() != Qt::PlainText ||
+            textInteractionFlags() != Qt::NoTextInteraction ||
+            fontMetrics().horizontalAdvance(text()) <= area.width()) {
+            QLabel::paintEvent(inEvent);
+            return;
+        }
+        QPainter painter(this);
+        drawFrame(&painter);
+        style()->drawItemText(&painter, area, QStyle::visualAlignment(layoutDirection(), alignment()), palette(),
+                              isEnabled(), fontMetrics().elidedText(text(), Qt::ElideRight, area.width()),
+                              foregroundRole());
+    }
+};
+
+} // namespace
+
 struct UI_StaticText::Private {
-    QLabel *label = nullptr;
+    StaticTextLabel *label = nullptr;
     int mode = kTextModePlain;
     int alignment = kAlignLeft;
     float fontSize = 0.0f;
@@ -20,9 +49,10 @@ struct UI_StaticText::Private {
 
 UI_StaticText::UI_StaticText() : UI_StaticText(std::u16string()) {}
 
-UI_StaticText::UI_StaticText(std::u16string const &inText) : UI_ControlView(new QLabel), d(std::make_unique<Private>())
+UI_StaticText::UI_StaticText(std::u16string const &inText)
+    : UI_ControlView(new StaticTextLabel), d(std::make_unique<Private>())
 {
-    d->label = static_cast<QLabel *>(UI_GetWidget());
+    d->label = static_cast<StaticTextLabel *>(UI_GetWidget());
     d->label->setProperty("kivuiClass", QStringLiteral("UI_StaticText"));
     d->label->setTextFormat(Qt::PlainText);
     d->label->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
@@ -107,6 +137,12 @@ std::string const &UI_StaticText::GetFontStyle() const
 void UI_StaticText::SetWordWrap(bool inWrap)
 {
     d->label->setWordWrap(inWrap);
+}
+
+void UI_StaticText::SetElided(bool inElided)
+{
+    d->label->mElided = inElided;
+    d->label->update();
 }
 
 void UI_StaticText::UI_NodeChanged()
