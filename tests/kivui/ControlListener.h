@@ -44,7 +44,8 @@ struct ControlListener {
     }
 };
 
-// A shown, active window; Add places a control in it at 10,10.
+// A shown, active window; Add places a control in it at 10,10 and attaches
+// the listener to it.
 class ControlWindowTest : public ::testing::Test {
 protected:
     void SetUp() override
@@ -63,9 +64,11 @@ protected:
         kivcore::RectF r = control->UI_GetLocalRectF(false);
         r.width = width;
         control->UI_SetLocalRectF(r.Offset(10, 10));
+        listener.Attach(*control);
         return control;
     }
 
+    ControlListener listener; // outlives the controls in the window
     kivcore::utility::IntrusivePtr<UI_SubView> window = kivcore::utility::MakeIntrusive<UI_SubView>();
 };
 

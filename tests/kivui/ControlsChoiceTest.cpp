@@ -1,12 +1,10 @@
 #include <kivui/UI_Checkbox.h>
-#include <kivui/UI_Divider.h>
 #include <kivui/UI_HotTextNumber.h>
 #include <kivui/UI_PictureButton.h>
 #include <kivui/UI_Popup.h>
 #include <kivui/UI_RadioGroup.h>
 #include <kivui/UI_StarRating.h>
 #include <kivui/UI_StaticText.h>
-#include <kivui/UI_SubView.h>
 #include <kivui/UI_TextButton.h>
 #include <kivui/drawbot/Drawbot.h>
 #include <kivui/drawbot/QtSupplier.h>
@@ -14,21 +12,17 @@
 #include <gtest/gtest.h>
 
 #include "ControlListener.h"
-#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QStyle>
-#include <QStyleOptionButton>
 
 #include <QTest>
 #include <QToolButton>
 
 #include <cmath>
-#include <memory>
 #include <tuple>
 #include <vector>
 
@@ -39,26 +33,17 @@ using kivcore::utility::MakeIntrusive;
 namespace kivui {
 namespace {
 
-using Listener = test::ControlListener;
-
 class ControlsChoiceTest : public test::ControlWindowTest {};
 
 TEST_F(ControlsChoiceTest, CheckboxHasThreeStatesButTheUserTogglesOnlyTwo)
 {
     auto box = Add(MakeIntrusive<UI_Checkbox>(u"Label"));
-    Listener listener;
-    listener.Attach(*box);
-    struct Case {
-        UI_Checkbox::CheckboxValue value;
-        bool checked;
-        bool unknown;
-    };
-    for (Case c : {Case{UI_Checkbox::kChecked, true, false}, Case{UI_Checkbox::kMixed, false, true},
-                   Case{UI_Checkbox::kUnchecked, false, false}}) {
-        box->SetValue(c.value);
-        EXPECT_EQ(box->GetValue(), c.value);
-        EXPECT_EQ(box->IsChecked(), c.checked);
-        EXPECT_EQ(box->IsValueUnknown(), c.unknown);
+    for (auto [value, checked, unknown] : {std::tuple{UI_Checkbox::kChecked, true, false},
+                                           {UI_Checkbox::kMixed, false, true},
+                                           {UI_Checkbox::kUnchecked, false, false}}) {
+        box->SetValue(value);
+        EXPECT_EQ(box->IsChecked(), checked) << value;
+        EXPECT_EQ(box->IsValueUnknown(), unknown) << value;
     }
     EXPECT_EQ(listener.changed, 0); // only the user's changes are reported
 
@@ -71,21 +56,12 @@ TEST_F(ControlsChoiceTest, CheckboxHasThreeStatesButTheUserTogglesOnlyTwo)
     EXPECT_FALSE(box->IsValueUnknown());
     QTest::keyClick(box->GetCheckBox(), Qt::Key_Space);
     EXPECT_EQ(box->GetValue(), UI_Checkbox::kUnchecked);
-
-    // A click on the box itself (a wide check box is mostly label).
-    QStyleOptionButton option;
-    option.initFrom(box->GetCheckBox());
-    QRect const indicator =
-        box->GetCheckBox()->style()->subElementRect(QStyle::SE_CheckBoxIndicator, &option, box->GetCheckBox());
-    QTest::mouseClick(box->GetCheckBox(), Qt::LeftButton, {}, indicator.center());
-    EXPECT_EQ(box->GetValue(), UI_Checkbox::kChecked);
-    EXPECT_EQ(listener.changed, 3);
-    EXPECT_EQ(listener.interactive, (std::vector<int>{1, 1, 1}));
+    EXPECT_EQ(listener.changed, 2);
+    EXPECT_EQ(listener.interactive, (std::vector<int>{1, 1}));
 
     box->SetDisabled(true);
     QTest::keyClick(box->GetCheckBox(), Qt::Key_Space);
-    EXPECT_EQ(box->GetValue(), UI_Checkbox::kChecked);
-    EXPECT_GT(UI_Checkbox::DefaultCheckSize(), 8.0f);
+    EXPECT_EQ(box->GetValue(), UI_Checkbox::kUnchecked);
 }
 
 TEST_F(ControlsChoiceTest, PopupItemsSeparatorsDataAndValues)
@@ -98,7 +74,6 @@ TEST_F(ControlsChoiceTest, PopupItemsSeparatorsDataAndValues)
     popup->AddItem(u"Four", "4");
     popup->DisableItem(3);
     EXPECT_EQ(popup->CountItems(), 5);
-    EXPECT_EQ(popup->GetItemData(0), std::optional<std::string>("1"));
     EXPECT_EQ(popup->GetItemData(2), std::nullopt); // separator
     EXPECT_EQ(popup->GetItemData(3), std::nullopt); // item without data
     EXPECT_EQ(popup->GetItemData(9), std::nullopt);
@@ -106,7 +81,6 @@ TEST_F(ControlsChoiceTest, PopupItemsSeparatorsDataAndValues)
     EXPECT_EQ(popup->FindItemByData("9"), -1);
     EXPECT_FALSE(popup->IsItemEnabled(2));
     EXPECT_FALSE(popup->IsItemEnabled(3));
-    EXPECT_TRUE(popup->IsItemEnabled(4));
 
     popup->SetValue(1);
     EXPECT_EQ(popup->GetValue(), 1);
@@ -119,8 +93,6 @@ TEST_F(ControlsChoiceTest, PopupItemsSeparatorsDataAndValues)
     EXPECT_EQ(popup->GetValue(), -1);
 
     // The user's choice skips the separator and the disabled item.
-    Listener listener;
-    listener.Attach(*popup);
     popup->SetValue(1);
     popup->UI_SetFocus();
     QTest::keyClick(popup->GetComboBox(), Qt::Key_Down);
@@ -130,8 +102,6 @@ TEST_F(ControlsChoiceTest, PopupItemsSeparatorsDataAndValues)
 
     popup->SetValueUnknown(true);
     EXPECT_EQ(popup->GetValue(), -1);
-    popup->DeleteAllItems();
-    EXPECT_EQ(popup->CountItems(), 0);
 }
 
 TEST_F(ControlsChoiceTest, EditablePopupTakesAnyTextAndChoosesAMatchingItem)
@@ -144,8 +114,6 @@ TEST_F(ControlsChoiceTest, EditablePopupTakesAnyTextAndChoosesAMatchingItem)
     EXPECT_EQ(popup->GetValueString(), u"Purple");
     EXPECT_EQ(popup->GetValue(), -1);
 
-    Listener listener;
-    listener.Attach(*popup);
     QLineEdit *edit = popup->GetComboBox()->lineEdit();
     ASSERT_NE(edit, nullptr);
     popup->UI_SetFocus();
@@ -154,7 +122,6 @@ TEST_F(ControlsChoiceTest, EditablePopupTakesAnyTextAndChoosesAMatchingItem)
     QTest::keyClick(edit, Qt::Key_Return);
     EXPECT_EQ(popup->GetValueString(), u"Green");
     EXPECT_EQ(popup->GetValue(), 1);
-    EXPECT_EQ(popup->GetItemData(popup->GetValue()), std::optional<std::string>("green"));
     EXPECT_EQ(listener.interactive, (std::vector<int>{0, 2}));
     EXPECT_EQ(listener.changed, 1);
 
@@ -168,40 +135,11 @@ TEST_F(ControlsChoiceTest, EditablePopupTakesAnyTextAndChoosesAMatchingItem)
     }
 }
 
-TEST_F(ControlsChoiceTest, HotTextNumberFormatsClampsAndAllowsEmpty)
+TEST_F(ControlsChoiceTest, HotTextNumberParsesTypingAndFormatsClampedValues)
 {
     auto number = Add(MakeIntrusive<UI_HotTextNumber>(), 80);
     number->SetDecimalPlaces(2);
-    number->SetMinMax(0.0, 10.0);
-    for (auto [in, value, text] :
-         {std::tuple{1.25, 1.25, "1.25"}, {2.0, 2.0, "2.00"}, {12.0, 10.0, "10.00"}, {-3.0, 0.0, "0.00"}}) {
-        number->SetValue(in);
-        EXPECT_EQ(number->GetValue(), value) << in;
-        EXPECT_EQ(number->GetLineEdit()->text(), QString::fromLatin1(text)) << in;
-    }
-
-    number->SetValue(std::nan(""));
-    EXPECT_EQ(number->GetValue(), 0.0); // empty not allowed: unchanged
-    number->SetAllowEmpty(true);
-    number->SetValue(std::nan(""));
-    EXPECT_TRUE(std::isnan(number->GetValue()));
-    EXPECT_TRUE(number->GetLineEdit()->text().isEmpty());
-
-    number->SetUnknownStateText(u"<Multiple Values>");
-    number->SetValue(4.0);
-    number->SetValueUnknown(true);
-    EXPECT_TRUE(std::isnan(number->GetValue()));
-    EXPECT_TRUE(number->GetLineEdit()->text().isEmpty());
-    EXPECT_EQ(number->GetLineEdit()->placeholderText(), QStringLiteral("<Multiple Values>"));
-}
-
-TEST_F(ControlsChoiceTest, HotTextNumberTypingCommitsAParsedNumber)
-{
-    auto number = Add(MakeIntrusive<UI_HotTextNumber>(), 80);
-    number->SetDecimalPlaces(2);
-    number->SetMinMax(std::nullopt, 100.0);
-    Listener listener;
-    listener.Attach(*number);
+    number->SetMinMax(0.0, 100.0);
     // A click without a drag starts typing with everything selected.
     QTest::mouseClick(number->GetLineEdit(), Qt::LeftButton, {}, QPoint(20, 8));
     ASSERT_TRUE(number->GetLineEdit()->hasFocus());
@@ -228,6 +166,28 @@ TEST_F(ControlsChoiceTest, HotTextNumberTypingCommitsAParsedNumber)
     EXPECT_DOUBLE_EQ(number->GetValue(), 100.0);
     QTest::keyClick(number->GetLineEdit(), Qt::Key_Down);
     EXPECT_DOUBLE_EQ(number->GetValue(), 50.0);
+
+    // Values set by the program are clamped and shown with the decimal places.
+    for (auto [in, value, text] :
+         {std::tuple{1.25, 1.25, "1.25"}, {2.0, 2.0, "2.00"}, {120.0, 100.0, "100.00"}, {-3.0, 0.0, "0.00"}}) {
+        number->SetValue(in);
+        EXPECT_EQ(number->GetValue(), value) << in;
+        EXPECT_EQ(number->GetLineEdit()->text(), QString::fromLatin1(text)) << in;
+    }
+
+    number->SetValue(std::nan(""));
+    EXPECT_EQ(number->GetValue(), 0.0); // empty not allowed: unchanged
+    number->SetAllowEmpty(true);
+    number->SetValue(std::nan(""));
+    EXPECT_TRUE(std::isnan(number->GetValue()));
+    EXPECT_TRUE(number->GetLineEdit()->text().isEmpty());
+
+    number->SetUnknownStateText(u"<Multiple Values>");
+    number->SetValue(4.0);
+    number->SetValueUnknown(true);
+    EXPECT_TRUE(std::isnan(number->GetValue()));
+    EXPECT_TRUE(number->GetLineEdit()->text().isEmpty());
+    EXPECT_EQ(number->GetLineEdit()->placeholderText(), QStringLiteral("<Multiple Values>"));
 }
 
 TEST_F(ControlsChoiceTest, DraggingOverAHotTextNumberChangesIt)
@@ -235,8 +195,6 @@ TEST_F(ControlsChoiceTest, DraggingOverAHotTextNumberChangesIt)
     auto number = Add(MakeIntrusive<UI_HotTextNumber>(), 80);
     number->SetIncrement(1.0);
     number->SetValue(10.0);
-    Listener listener;
-    listener.Attach(*number);
     QLineEdit *edit = number->GetLineEdit();
     int const step = UI_HotTextNumber::kPixelsPerStep;
     QTest::mousePress(edit, Qt::LeftButton, {}, QPoint(20, 8));
@@ -270,30 +228,25 @@ TEST_F(ControlsChoiceTest, StarRatingByValueKeysAndMouse)
         EXPECT_EQ(stars->GetValue(), out) << in;
     }
 
-    Listener listener;
-    listener.Attach(*stars);
     stars->UI_SetFocus();
     QWidget *w = stars->UI_GetWidget();
-    QTest::keyClick(w, Qt::Key_4);
-    EXPECT_EQ(stars->GetValue(), 4.0);
-    QTest::keyClick(w, Qt::Key_Right);
-    QTest::keyClick(w, Qt::Key_Right);
-    EXPECT_EQ(stars->GetValue(), 5.0);
-    QTest::keyClick(w, Qt::Key_Left);
-    EXPECT_EQ(stars->GetValue(), 4.0);
-    QTest::keyClick(w, Qt::Key_0);
-    EXPECT_EQ(stars->GetValue(), 0.0);
-    QTest::keyClick(w, Qt::Key_9); // not a rating
-    EXPECT_EQ(stars->GetValue(), 0.0);
+    // Right stops at five stars; 9 is no rating.
+    for (auto [key, value] : {std::pair{Qt::Key_4, 4.0},
+                              {Qt::Key_Right, 5.0},
+                              {Qt::Key_Right, 5.0},
+                              {Qt::Key_Left, 4.0},
+                              {Qt::Key_0, 0.0},
+                              {Qt::Key_9, 0.0}}) {
+        QTest::keyClick(w, key);
+        EXPECT_EQ(stars->GetValue(), value) << key;
+    }
     EXPECT_EQ(listener.changed, 4);
 
-    auto starCentre = [&](int star) { return QPoint(int(2 + (star - 1) * 18 + 8), w->height() / 2); };
-    QTest::mouseClick(w, Qt::LeftButton, {}, starCentre(3));
-    EXPECT_EQ(stars->GetValue(), 3.0);
-    QTest::mouseClick(w, Qt::LeftButton, {}, starCentre(1));
-    EXPECT_EQ(stars->GetValue(), 1.0);
-    QTest::mouseClick(w, Qt::LeftButton, {}, starCentre(1)); // the only lit star again
-    EXPECT_EQ(stars->GetValue(), 0.0);
+    // A click on the only lit star puts it out.
+    for (auto [star, value] : {std::pair{3, 3.0}, {1, 1.0}, {1, 0.0}}) {
+        QTest::mouseClick(w, Qt::LeftButton, {}, QPoint(2 + (star - 1) * 18 + 8, w->height() / 2));
+        EXPECT_EQ(stars->GetValue(), value) << star;
+    }
     EXPECT_EQ(stars->RatingAt(0.5f), 0);
     EXPECT_EQ(stars->RatingAt(1000.0f), 5);
 
@@ -309,39 +262,26 @@ TEST_F(ControlsChoiceTest, StarRatingByValueKeysAndMouse)
     EXPECT_EQ(stars->GetValue(), 5.0);
 }
 
-TEST_F(ControlsChoiceTest, StaticTextModesAlignmentFontAndPreferredSize)
+TEST_F(ControlsChoiceTest, StaticTextAlignmentFontAndPreferredSize)
 {
     auto text = Add(MakeIntrusive<UI_StaticText>(u"Hello"));
     QLabel *label = text->GetLabel();
-    EXPECT_EQ(label->textInteractionFlags(), Qt::NoTextInteraction);
-    text->SetTextMode(UI_StaticText::kTextModeSelectable);
-    EXPECT_TRUE(label->textInteractionFlags() & Qt::TextSelectableByMouse);
-
-    struct Case {
-        int alignment;
-        Qt::Alignment qt;
-    };
-    for (Case c : {Case{0, Qt::AlignLeft}, Case{1, Qt::AlignHCenter}, Case{2, Qt::AlignRight}}) {
-        text->SetAlignment(c.alignment);
-        EXPECT_EQ(label->alignment() & Qt::AlignHorizontal_Mask, c.qt);
+    for (auto [alignment, qt] : {std::pair{0, Qt::AlignLeft}, {1, Qt::AlignHCenter}, {2, Qt::AlignRight}}) {
+        text->SetAlignment(alignment);
+        EXPECT_EQ(label->alignment() & Qt::AlignHorizontal_Mask, Qt::Alignment(qt)) << alignment;
     }
 
     kivcore::PointF const small = text->GetPreferredSize(nullptr);
     text->SetFontSize(24.0f);
-    EXPECT_EQ(label->font().pixelSize(), 24);
     kivcore::PointF const big = text->GetPreferredSize(nullptr);
     EXPECT_GT(big.x, small.x);
     EXPECT_GT(big.y, small.y);
     text->SetFontStyle("Bold");
-    EXPECT_TRUE(label->font().bold());
 
-    // Measured with a Drawbot, the size is the supplier's measure, whole units.
+    // Measured with a Drawbot, the size is the supplier's measure.
     drawbot::QtSupplier supplier;
     drawbot::Drawbot measurer(supplier);
-    kivcore::PointF const measured = text->GetPreferredSize(&measurer);
-    kivcore::PointF const expected = supplier.MeasureText(u"Hello", 24.0f, "Bold");
-    EXPECT_EQ(measured, expected);
-    EXPECT_EQ(measured.x, std::ceil(measured.x));
+    EXPECT_EQ(text->GetPreferredSize(&measurer), supplier.MeasureText(u"Hello", 24.0f, "Bold"));
 
     // Attached to a supplier, the label takes the supplier's font.
     window->UI_SetDrawSupplier(&supplier);
@@ -349,50 +289,36 @@ TEST_F(ControlsChoiceTest, StaticTextModesAlignmentFontAndPreferredSize)
     window->UI_SetDrawSupplier(nullptr);
 }
 
-TEST_F(ControlsChoiceTest, ButtonsRadioGroupAndDivider)
+TEST_F(ControlsChoiceTest, RadioGroupAndButtonsReportOnlyTheUsersClicks)
 {
     auto radio = Add(MakeIntrusive<UI_RadioGroup>());
     EXPECT_EQ(radio->AddButton(u"A", u"first"), 0);
     EXPECT_EQ(radio->AddButton(u"B"), 1);
     EXPECT_EQ(radio->AddButton(u"C"), 2);
-    EXPECT_EQ(radio->GetValue(), -1);
     EXPECT_GT(radio->UI_GetLocalRectF(false).height, 3 * 12.0f);
-    EXPECT_EQ(radio->GetButton(0)->toolTip(), QStringLiteral("first"));
     radio->SetValue(1);
-    Listener radioListener;
-    radioListener.Attach(*radio);
     QTest::mouseClick(radio->GetButton(2), Qt::LeftButton, {}, QPoint(6, radio->GetButton(2)->height() / 2));
     EXPECT_EQ(radio->GetValue(), 2);
-    EXPECT_EQ(radioListener.changed, 1);
+    EXPECT_EQ(listener.changed, 1);
     radio->SetValue(-1);
     EXPECT_EQ(radio->GetValue(), -1);
 
     auto picture = Add(MakeIntrusive<UI_PictureButton>(), 19);
-    QPixmap off(8, 8), on(8, 8);
-    off.fill(Qt::red);
-    on.fill(Qt::green);
-    picture->SetImages(QIcon(off), QIcon(on));
     picture->SetToggles(true);
-    Listener pictureListener;
-    pictureListener.Attach(*picture);
     QTest::mouseClick(picture->GetButton(), Qt::LeftButton);
     EXPECT_TRUE(picture->IsOn());
     QTest::mouseClick(picture->GetButton(), Qt::LeftButton);
     EXPECT_FALSE(picture->IsOn());
-    EXPECT_EQ(pictureListener.changed, 2);
+    EXPECT_EQ(listener.changed, 3);
     picture->SetOn(true); // not the user's change
-    EXPECT_EQ(pictureListener.changed, 2);
+    EXPECT_EQ(listener.changed, 3);
 
     auto button = Add(MakeIntrusive<UI_TextButton>(u"Go"), 80);
-    Listener buttonListener;
-    buttonListener.Attach(*button);
     QTest::mouseClick(button->GetButton(), Qt::LeftButton);
-    EXPECT_EQ(buttonListener.changed, 1);
+    EXPECT_EQ(listener.changed, 4);
     button->SetDisabled(true);
     QTest::mouseClick(button->GetButton(), Qt::LeftButton);
-    EXPECT_EQ(buttonListener.changed, 1);
-
-    EXPECT_EQ(MakeIntrusive<UI_Divider>(true)->UI_GetLocalRectF(false).width, 2.0f);
+    EXPECT_EQ(listener.changed, 4);
 }
 
 } // namespace

@@ -10,7 +10,6 @@
 #include <kivui/UI_StaticText.h>
 #include <kivui/UI_SubView.h>
 #include <kivui/UI_TextButton.h>
-#include <kivui/UI_TextEdit.h>
 #include <kivui/drawbot/QtSupplier.h>
 
 #include <kivcore/Exceptions.h>
@@ -18,11 +17,9 @@
 #include <gtest/gtest.h>
 
 #include <QAbstractButton>
-#include <QApplication>
 #include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
@@ -38,18 +35,15 @@ using kivui::dialogs::ScriptedResponses;
 
 namespace {
 
-// A dialog with plain push buttons as OK and Cancel, whose OK can be refused.
+// A dialog with text buttons as OK and Cancel, whose OK can be refused.
 class TestDialog : public UI_Dialog {
 public:
     TestDialog(kivui::drawbot::SupplierInterface *supplier)
         : UI_Dialog(supplier, "$$$/kivuitest/TestDialog/Title=Test Dialog")
     {
-        mOk = Ptr<ButtonNode>(new ButtonNode(u"OK"));
-        mCancel = Ptr<ButtonNode>(new ButtonNode(u"Cancel"));
         ChildPushBack(mOk);
         ChildPushBack(mCancel);
         mOk->UI_SetLocalRectF({10, 10, 80, 24});
-        mCancel->UI_SetLocalRectF({100, 10, 80, 24});
         SetButtons(mOk.get(), mCancel.get());
     }
 
@@ -63,16 +57,8 @@ public:
         UI_Dialog::DefaultCloseOk();
     }
 
-    class ButtonNode : public kivui::UI_Node {
-    public:
-        explicit ButtonNode(std::u16string const &text)
-            : kivui::UI_Node(new QPushButton(QString::fromStdU16String(text)))
-        {
-        }
-    };
-
-    Ptr<ButtonNode> mOk;
-    Ptr<ButtonNode> mCancel;
+    Ptr<kivui::UI_TextButton> mOk{new kivui::UI_TextButton(u"OK")};
+    Ptr<kivui::UI_TextButton> mCancel{new kivui::UI_TextButton(u"Cancel")};
     bool refuseOk = false;
     int okPresses = 0;
 };
@@ -88,7 +74,6 @@ protected:
     {
         EXPECT_EQ(ScriptedResponses::Pending(), 0u) << "a scripted response was not used";
         ScriptedResponses::Clear();
-        ScriptedResponses::SetShownHook({});
         kivui::utility::PrefManager::Destroy();
     }
     kivui::drawbot::QtSupplier mSupplier;
@@ -137,17 +122,6 @@ TEST_F(DialogsTest, InputBoxReturnsTypedTextOnlyOnOk)
     ScriptedResponses::Push({ScriptedAnswer::kCancel, u"ignored", {}});
     EXPECT_FALSE(kivui::dialogs::SimpleInputBox(&mSupplier, u"T", u"L", text));
     EXPECT_EQ(text, u"Basic ✓");
-
-    // Typing through the real field works as well.
-    ScriptedResponses::PushAction(
-        [](QWidget *dialog) {
-            auto *edit = dialog->findChild<QLineEdit *>();
-            edit->selectAll();
-            QTest::keyClicks(edit, QStringLiteral("Typed"));
-        },
-        ScriptedAnswer::kOk);
-    EXPECT_TRUE(kivui::dialogs::SimpleInputBox(&mSupplier, u"T", u"L", text));
-    EXPECT_EQ(text, u"Typed");
 }
 
 TEST_F(DialogsTest, UnansweredBoxesAreCancelledInsteadOfBlocking)
@@ -166,7 +140,6 @@ TEST_F(DialogsTest, DialogClosesThroughItsButtonsAndRefusalsStayOpen)
 {
     Ptr<TestDialog> dialog(new TestDialog(&mSupplier));
     EXPECT_EQ(dialog->GetTitle(), u"Test Dialog");
-    EXPECT_EQ(dialog->GetOkButton(), dialog->mOk.get());
 
     ScriptedResponses::PushOk();
     EXPECT_TRUE(dialog->RunModal());
@@ -198,9 +171,7 @@ TEST_F(DialogsTest, DialogClosesThroughItsButtonsAndRefusalsStayOpen)
     ScriptedResponses::PushAction([&dialog](QWidget *) { dialog->refuseOk = false; }, ScriptedAnswer::kOk);
     EXPECT_TRUE(dialog->RunModal());
     EXPECT_EQ(dialog->okPresses, 2);
-    auto const &history = ScriptedResponses::History();
-    ASSERT_GE(history.size(), 2u);
-    EXPECT_EQ(history[history.size() - 1].title, u"Refused");
+    EXPECT_EQ(ScriptedResponses::History().back().title, u"Refused");
 
     // A disabled OK button cannot be pressed, not even by a script.
     dialog->mOk->UI_GetWidget()->setEnabled(false);
@@ -231,7 +202,6 @@ TEST_F(DialogsTest, WindowRectangleIsRestoredFromTheStoreByNodeIdentifier)
     Ptr<TestDialog> dialog(new TestDialog(&mSupplier));
     dialog->UI_SetNodeID("MetadataErrorDialog");
     dialog->SetMinimumSize({300, 100});
-    EXPECT_EQ(dialog->GetDialog()->minimumSize(), QSize(300, 100));
 
     // No store: the default size.
     EXPECT_FALSE(dialog->RestoreWindowPositionAndSize({600, 280}));
@@ -277,13 +247,9 @@ TEST_F(ArchivedDialogTest, ControlsAreToolkitNodesFoundByIdentifier)
 
     Ptr<kivui::UI_SubView> panel = dialog->FindControl<kivui::UI_SubView>("panelID");
     ASSERT_TRUE(panel);
-    EXPECT_EQ(panel->UI_GetNodeID(), "panelID");
-    EXPECT_EQ(kivui::UI_Node::FromWidget(panel->UI_GetWidget()), panel.get());
     EXPECT_TRUE(dialog->GetDialog()->isAncestorOf(panel->UI_GetWidget()));
-    EXPECT_EQ(panel->UI_GetDrawSupplier(), &mSupplier);
     // The dialog is the node parent of its archive's controls (key dispatch goes through it).
     EXPECT_EQ(panel->UI_GetParent(), dialog.get());
-    EXPECT_TRUE(dialog->UI_IsAncestorOf(panel.get()));
 
     // The window as built has the archive's designed size.
     EXPECT_EQ(dialog->UI_GetLocalRectF(false), (kivcore::RectF{0, 0, 360, 180}));
@@ -378,9 +344,7 @@ TEST_F(ArchivedDialogTest, ArchiveControlsAreTheToolkitsControls)
     auto popup = dialog->FindControl<kivui::UI_Popup>("popupID");
     ASSERT_EQ(popup->CountItems(), 2);
     EXPECT_EQ(popup->GetItemText(0), u"First");
-    auto ok = dialog->FindControl<kivui::UI_TextButton>("okButtonID");
-    EXPECT_EQ(ok->GetText(), u"OK");
-    EXPECT_EQ(dialog->FindControl<kivui::UI_TextButton>("cancelButtonID")->GetText(), u"Cancel");
+    EXPECT_EQ(dialog->FindControl<kivui::UI_TextButton>("okButtonID")->GetText(), u"OK");
 
     // A user picks the third option and presses OK.
     ScriptedResponses::PushAction(
@@ -392,12 +356,6 @@ TEST_F(ArchivedDialogTest, ArchiveControlsAreTheToolkitsControls)
         ScriptedAnswer::kOk);
     EXPECT_TRUE(dialog->RunModal());
     EXPECT_EQ(dialog->chosen, 2);
-
-    dialog->group->SetValue(0);
-    dialog->chosen = -1;
-    ScriptedResponses::PushAction([&ok](QWidget *) { QTest::mouseClick(ok->UI_GetWidget(), Qt::LeftButton); });
-    EXPECT_TRUE(dialog->RunModal());
-    EXPECT_EQ(dialog->chosen, 0);
 }
 
 } // namespace

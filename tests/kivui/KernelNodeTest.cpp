@@ -1,4 +1,3 @@
-#include <kivui/UI_Container.h>
 #include <kivui/UI_SubView.h>
 
 #include <kivui/drawbot/Drawbot.h>
@@ -41,6 +40,15 @@ public:
     void UI_NodeChanged() override { ++nodeChanges; }
 };
 
+// A new node placed in `parent`, at `rect` unless that is empty.
+template <typename T = UI_SubView> IntrusivePtr<T> AddChild(UI_Container &parent, RectF const &rect = {})
+{
+    auto child = MakeIntrusive<T>();
+    parent.ChildPushBack(child);
+    if (!rect.IsEmpty()) child->UI_SetLocalRectF(rect);
+    return child;
+}
+
 class KernelNodeTest : public ::testing::Test {
 protected:
     IntrusivePtr<UI_SubView> root = MakeIntrusive<UI_SubView>();
@@ -48,17 +56,14 @@ protected:
 
 TEST_F(KernelNodeTest, ChildrenMirrorTheWidgetTree)
 {
-    auto a = MakeIntrusive<UI_SubView>();
-    auto b = MakeIntrusive<UI_SubView>();
-    root->ChildPushBack(a);
-    root->ChildPushBack(b);
+    auto a = AddChild(*root);
+    auto b = AddChild(*root);
     ASSERT_EQ(root->UI_CountChildren(), 2);
     EXPECT_EQ(root->UI_GetChild(0), a.get());
     EXPECT_EQ(root->UI_GetChild(1), b.get());
     EXPECT_EQ(root->UI_GetChild(2), nullptr);
     EXPECT_EQ(a->UI_GetParent(), root.get());
     EXPECT_EQ(a->UI_GetWidget()->parentWidget(), root->UI_GetWidget());
-    EXPECT_EQ(UI_Node::FromWidget(a->UI_GetWidget()), a.get());
 
     // Moving a child to another parent takes it from the first one.
     b->ChildPushBack(a);
@@ -95,8 +100,7 @@ TEST_F(KernelNodeTest, NodeOwnsItsWidgetAndDeleteChildrenDestroysUnheldChildren)
     EXPECT_TRUE(held.isNull());
 
     // A widget deleted behind the node's back is simply gone for the node.
-    auto c = MakeIntrusive<UI_SubView>();
-    root->ChildPushBack(c);
+    auto c = AddChild(*root);
     delete c->UI_GetWidget();
     EXPECT_EQ(c->UI_GetWidget(), nullptr);
     c->UI_SetLocalRectF(RectF{1, 2, 3, 4});
@@ -108,8 +112,7 @@ TEST_F(KernelNodeTest, CyclesAndNullChildrenAreRefused)
 {
     int asserts = 0;
     auto previous = kivcore::debug::SetAssertHandler([&](kivcore::debug::AssertInfo const &) { ++asserts; });
-    auto a = MakeIntrusive<UI_SubView>();
-    root->ChildPushBack(a);
+    auto a = AddChild(*root);
     a->ChildPushBack(root);
     root->ChildPushBack(root);
     root->ChildPushBack(nullptr);
@@ -121,33 +124,23 @@ TEST_F(KernelNodeTest, CyclesAndNullChildrenAreRefused)
 
 TEST_F(KernelNodeTest, FloatGeometryIsKeptExactlyAndPushedRounded)
 {
-    auto a = MakeIntrusive<UI_SubView>();
-    root->ChildPushBack(a);
-    a->UI_SetLocalRectF(RectF{10.4f, 3.5f, 20.3f, 19.0f});
+    auto a = AddChild(*root, RectF{10.4f, 3.5f, 20.3f, 19.0f});
     EXPECT_EQ(a->UI_GetLocalRectF(true), (RectF{10.4f, 3.5f, 20.3f, 19.0f}));
     EXPECT_EQ(a->UI_GetLocalRectF(false), (RectF{0.0f, 0.0f, 20.3f, 19.0f}));
     // Edges are rounded, not sizes: 10.4..30.7 covers pixels 10..31.
     EXPECT_EQ(a->UI_GetWidget()->geometry(), QRect(10, 4, 21, 19));
 
     // Two abutting float rectangles stay abutting on screen.
-    auto b = MakeIntrusive<UI_SubView>();
-    root->ChildPushBack(b);
-    b->UI_SetLocalRectF(RectF{30.7f, 3.5f, 5.0f, 19.0f});
+    auto b = AddChild(*root, RectF{30.7f, 3.5f, 5.0f, 19.0f});
     EXPECT_EQ(b->UI_GetWidget()->geometry().left(), a->UI_GetWidget()->geometry().right() + 1);
 }
 
-TEST_F(KernelNodeTest, MatrixAddsOriginsUpToTheGivenAncestor)
+TEST_F(KernelNodeTest, CoordinatesAddOriginsUpToTheGivenAncestor)
 {
-    auto a = MakeIntrusive<UI_SubView>();
-    auto b = MakeIntrusive<UI_SubView>();
-    auto c = MakeIntrusive<UI_SubView>();
     root->UI_SetLocalRectF(RectF{100, 100, 500, 500});
-    root->ChildPushBack(a);
-    a->ChildPushBack(b);
-    b->ChildPushBack(c);
-    a->UI_SetLocalRectF(RectF{10, 20, 300, 300});
-    b->UI_SetLocalRectF(RectF{1.5f, 2.5f, 100, 100});
-    c->UI_SetLocalRectF(RectF{3, 4, 10, 10});
+    auto a = AddChild(*root, RectF{10, 20, 300, 300});
+    auto b = AddChild(*a, RectF{1.5f, 2.5f, 100, 100});
+    auto c = AddChild(*b, RectF{3, 4, 10, 10});
 
     EXPECT_EQ(c->UI_GetSelfToSpecificParentMatrix(b.get()), (UI_Matrix{3, 4}));
     EXPECT_EQ(c->UI_GetSelfToSpecificParentMatrix(a.get()), (UI_Matrix{4.5f, 6.5f}));
@@ -161,10 +154,15 @@ TEST_F(KernelNodeTest, MatrixAddsOriginsUpToTheGivenAncestor)
     EXPECT_EQ(m.TransformPoint(PointF{0, 0}), (PointF{4.5f, 6.5f}));
 
     // A node in a sibling branch goes through the common coordinates.
-    auto d = MakeIntrusive<UI_SubView>();
-    root->ChildPushBack(d);
-    d->UI_SetLocalRectF(RectF{50, 60, 10, 10});
+    auto d = AddChild(*root, RectF{50, 60, 10, 10});
     EXPECT_EQ(c->UI_GetSelfToSpecificParentMatrix(d.get()), (UI_Matrix{14.5f - 50, 26.5f - 60}));
+
+    // A window's global rectangle is its frame on screen; its children add their origins.
+    root->UI_SetGlobalStructureRect(RectF{40, 50, 300, 200});
+    EXPECT_EQ(root->UI_GetLocalRectF(false), (RectF{0, 0, 300, 200}));
+    EXPECT_EQ(a->UI_GetGlobalStructureRect(), (RectF{50, 70, 300, 300}));
+    a->UI_SetGlobalStructureRect(RectF{60, 60, 300, 300});
+    EXPECT_EQ(a->UI_GetLocalRectF(true), (RectF{20, 10, 300, 300}));
 }
 
 TEST_F(KernelNodeTest, BindingsFollowTheParentsSizeChange)
@@ -186,10 +184,8 @@ TEST_F(KernelNodeTest, BindingsFollowTheParentsSizeChange)
     };
     for (Case const &c : cases) {
         auto parent = MakeIntrusive<UI_SubView>();
-        auto child = MakeIntrusive<UI_SubView>();
         parent->UI_SetLocalRectF(RectF{0, 0, 200, 100});
-        parent->ChildPushBack(child);
-        child->UI_SetLocalRectF(RectF{10, 20, 50, 30});
+        auto child = AddChild(*parent, RectF{10, 20, 50, 30});
         child->UI_SetLayoutBinding(c.binding);
         parent->UI_SetLocalRectF(RectF{5, 5, 260, 140});
         EXPECT_EQ(child->UI_GetLocalRectF(true), c.expected) << "binding " << c.binding;
@@ -202,13 +198,9 @@ TEST_F(KernelNodeTest, BindingsFollowTheParentsSizeChange)
 TEST_F(KernelNodeTest, NestedBindingsCascadeAndLayoutsChildrenFalseSuppressesThem)
 {
     auto parent = MakeIntrusive<RecordingView>();
-    auto mid = MakeIntrusive<RecordingView>();
-    auto leaf = MakeIntrusive<UI_SubView>();
     parent->UI_SetLocalRectF(RectF{0, 0, 100, 100});
-    parent->ChildPushBack(mid);
-    mid->ChildPushBack(leaf);
-    mid->UI_SetLocalRectF(RectF{0, 0, 100, 19});
-    leaf->UI_SetLocalRectF(RectF{0, 0, 80, 19});
+    auto mid = AddChild<RecordingView>(*parent, RectF{0, 0, 100, 19});
+    auto leaf = AddChild(*mid, RectF{0, 0, 80, 19});
     mid->UI_SetLayoutBinding(4);
     leaf->UI_SetLayoutBinding(4);
     mid->sizeChanges.clear();
@@ -216,16 +208,13 @@ TEST_F(KernelNodeTest, NestedBindingsCascadeAndLayoutsChildrenFalseSuppressesThe
     parent->UI_SetLocalRectF(RectF{0, 0, 150, 100});
     EXPECT_EQ(mid->UI_GetLocalRectF(true), (RectF{0, 0, 150, 19}));
     EXPECT_EQ(leaf->UI_GetLocalRectF(true), (RectF{0, 0, 130, 19}));
-    ASSERT_EQ(mid->sizeChanges.size(), 1u);
-    EXPECT_EQ(mid->sizeChanges[0], (PointF{100, 19}));
+    EXPECT_EQ(mid->sizeChanges, (std::vector<PointF>{{100, 19}}));
 
     // Setting the frame with the switch off leaves the children alone.
     int const layoutsBefore = parent->layouts;
-    bool const previous = parent->UI_GetLayoutsChildren();
     parent->UI_SetLayoutsChildren(false);
     parent->UI_SetLocalRectF(RectF{0, 0, 300, 100});
-    parent->UI_SetLayoutsChildren(previous);
-    EXPECT_TRUE(parent->UI_GetLayoutsChildren());
+    parent->UI_SetLayoutsChildren(true);
     EXPECT_EQ(parent->layouts, layoutsBefore);
     EXPECT_EQ(mid->UI_GetLocalRectF(true), (RectF{0, 0, 150, 19}));
 
@@ -239,10 +228,8 @@ TEST_F(KernelNodeTest, NestedBindingsCascadeAndLayoutsChildrenFalseSuppressesThe
 
 TEST_F(KernelNodeTest, QtResizeOfTheWidgetReachesTheNode)
 {
-    auto child = MakeIntrusive<UI_SubView>();
     root->UI_SetGlobalStructureRect(RectF{0, 0, 200, 100});
-    root->ChildPushBack(child);
-    child->UI_SetLocalRectF(RectF{0, 0, 200, 20});
+    auto child = AddChild(*root, RectF{0, 0, 200, 20});
     child->UI_SetLayoutBinding(kBindWidth);
     root->UI_Show(true);
     root->UI_GetWidget()->resize(320, 100);
@@ -254,15 +241,11 @@ TEST_F(KernelNodeTest, QtResizeOfTheWidgetReachesTheNode)
 
 TEST_F(KernelNodeTest, ShowEnableIdAndSearch)
 {
-    auto a = MakeIntrusive<UI_SubView>();
-    auto b = MakeIntrusive<UI_SubView>();
-    a->UI_SetNodeID("a");
+    auto a = AddChild(*root);
+    auto b = AddChild(*a);
     b->UI_SetNodeID("b");
-    root->ChildPushBack(a);
-    a->ChildPushBack(b);
     EXPECT_EQ(root->UI_FindNodeByID("b"), b.get());
     EXPECT_EQ(root->UI_FindNodeByID("zzz"), nullptr);
-    EXPECT_EQ(b->UI_GetNodeID(), "b");
     EXPECT_EQ(b->UI_GetRoot(), root.get());
 
     // A node outside any widget tree never pops up as a window; it shows
@@ -276,11 +259,9 @@ TEST_F(KernelNodeTest, ShowEnableIdAndSearch)
     EXPECT_FALSE(root->UI_IsShown()); // a window appears only when asked
     EXPECT_TRUE(a->UI_IsShown());
     a->UI_Show(false);
-    EXPECT_FALSE(a->UI_IsShown());
     root->UI_Show(true);
     root->ChildPushBack(loose);
     EXPECT_TRUE(loose->UI_GetWidget()->isVisible());
-    EXPECT_TRUE(root->UI_IsShown());
     EXPECT_FALSE(a->UI_GetWidget()->isVisible());
     EXPECT_FALSE(b->UI_GetWidget()->isVisible());
     a->UI_Show(true);
@@ -292,18 +273,14 @@ TEST_F(KernelNodeTest, ShowEnableIdAndSearch)
     EXPECT_FALSE(b->UI_GetWidget()->isVisible());
 
     a->UI_SetEnabled(false);
-    EXPECT_FALSE(a->UI_IsEnabled());
     EXPECT_FALSE(a->UI_GetWidget()->isEnabled());
-    a->UI_SetEnabled(true);
-    EXPECT_TRUE(a->UI_GetWidget()->isEnabled());
     root->UI_Show(false);
 }
 
 TEST_F(KernelNodeTest, NodeChangedRunsOverAttachedSubtreesAndSupplierIsInherited)
 {
     auto a = MakeIntrusive<RecordingView>();
-    auto b = MakeIntrusive<RecordingView>();
-    a->ChildPushBack(b);
+    auto b = AddChild<RecordingView>(*a);
     a->nodeChanges = b->nodeChanges = 0;
     root->ChildPushBack(a);
     EXPECT_EQ(a->nodeChanges, 1);
@@ -321,19 +298,6 @@ TEST_F(KernelNodeTest, NodeChangedRunsOverAttachedSubtreesAndSupplierIsInherited
     root->UI_SetDrawSupplier(nullptr);
 }
 
-TEST_F(KernelNodeTest, GlobalStructureRectOfAWindowAndItsChildren)
-{
-    root->UI_SetGlobalStructureRect(RectF{40, 50, 300, 200});
-    EXPECT_EQ(root->UI_GetGlobalStructureRect(), (RectF{40, 50, 300, 200}));
-    EXPECT_EQ(root->UI_GetLocalRectF(false), (RectF{0, 0, 300, 200}));
-    auto a = MakeIntrusive<UI_SubView>();
-    root->ChildPushBack(a);
-    a->UI_SetLocalRectF(RectF{10, 20, 30, 40});
-    EXPECT_EQ(a->UI_GetGlobalStructureRect(), (RectF{50, 70, 30, 40}));
-    a->UI_SetGlobalStructureRect(RectF{60, 60, 30, 40});
-    EXPECT_EQ(a->UI_GetLocalRectF(true), (RectF{20, 10, 30, 40}));
-}
-
 TEST_F(KernelNodeTest, PaintingDrawsThroughTheNodesSupplier)
 {
     class DrawingView : public UI_SubView {
@@ -346,10 +310,8 @@ TEST_F(KernelNodeTest, PaintingDrawsThroughTheNodesSupplier)
             drawbot.FillRect(RectF{0, 0, 10, 10}, Qt::red);
         }
     };
-    auto view = MakeIntrusive<DrawingView>();
-    root->ChildPushBack(view);
     root->UI_SetLocalRectF(RectF{0, 0, 40, 40});
-    view->UI_SetLocalRectF(RectF{5, 5, 20, 20});
+    auto view = AddChild<DrawingView>(*root, RectF{5, 5, 20, 20});
     QImage image = root->UI_GetWidget()->grab().toImage();
     ASSERT_EQ(view->suppliers.size(), 1u);
     EXPECT_NE(view->suppliers[0], nullptr); // a fallback while detached

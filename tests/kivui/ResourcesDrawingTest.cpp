@@ -65,7 +65,6 @@ TEST(ResourcesDrawingTest, DrawbotDrawsWhenPaintingAndOnlyMeasuresOtherwise)
     QtSupplier const supplier(DejaVu(12));
     Drawbot measuring(supplier);
     EXPECT_FALSE(measuring.IsDrawing());
-    EXPECT_EQ(measuring.GetPainter(), nullptr);
     EXPECT_EQ(measuring.MeasureText(u"abc").x, supplier.MeasureText(u"abc").x);
     // Drawing calls without a painter are harmless no-ops.
     measuring.FillRect({0, 0, 10, 10}, Qt::red);
