@@ -3,18 +3,24 @@
 
 #include <kivcore/Assert.h>
 #include <kivmetadata/Definitions.h>
+#include <kivmetadata/FileMetaDataProvider.h>
+#include <kivmetadata/GetValueResult.h>
 #include <kivmetadata/MemoryMetaDataProvider.h>
+#include <kivmetadata/MetaDataUpdateAccess.h>
 #include <kivmetadata/PathOperations.h>
 #include <kivmetadata/SchemaDefinition.h>
 #include <kivmetadata/Value.h>
+#include <kivmetadata/ValueAccess.h>
 #include <kivmetadata/XMPMeta.h>
+#include <kivmetadataui/Initialize.h>
+
+#include <QFile>
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <memory>
 #include <set>
-
-#include <map>
 #include <string>
 #include <vector>
 
@@ -43,6 +49,15 @@ public:
         }
         return false;
     }
+    // The assertions fired since the last call, as "unit|function|condition".
+    std::vector<std::string> Take()
+    {
+        std::vector<std::string> taken;
+        for (auto const &a : mAsserts)
+            taken.push_back(a.unit + "|" + a.function + "|" + a.condition);
+        mAsserts.clear();
+        return taken;
+    }
     // Whether an assertion carrying this message fired.
     bool FiredMessage(std::string const &message) const
     {
@@ -56,6 +71,33 @@ private:
     std::vector<kivcore::debug::AssertInfo> mAsserts;
     kivcore::debug::AssertHandler mPrevious;
 };
+
+// The file's bytes, or none when it cannot be read.
+inline QByteArray ReadAll(QString const &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// The property's single value as the file holds it, or "<absent>" or "<unreadable>".
+inline std::string FileValue(QString const &file, kivmetadata::Path const &path)
+{
+    auto provider = kivmetadata::FileMetaDataProvider::Open(file.toStdU16String());
+    if (!provider) return "<unreadable>";
+    std::string text;
+    kivmetadata::GetValueResult result{};
+    kivmetadata::GetValue(kivmetadata::Value{false, path, provider}, text, result);
+    return result == kivmetadata::kGetValueResult_OneValue ? text : "<absent>";
+}
+
+// Sets the property as an edit elsewhere would: the provider's listeners hear of it.
+inline void SetAndNotify(std::shared_ptr<kivmetadata::MetaDataProvider> const &provider, kivmetadata::Path const &path,
+                         std::string const &text)
+{
+    kivmetadata::MetaDataUpdateAccess access(provider);
+    ASSERT_TRUE(kivmetadata::SetValue(kivmetadata::Value{false, path, provider}, text));
+    access.AddChange(path);
+}
 
 // An XMP packet holding `body` (rdf:Description content) with the usual
 // namespaces declared.
@@ -168,6 +210,26 @@ public:
     int mNotifications = 0;
     bool mAcceptsWriting = true;
     bool mAcceptsReading = true;
+};
+
+// The library started with the test schema and nothing forced writable;
+// `mProvider` is the test's to fill.
+class SchemaTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        kivmetadataui::Initialize();
+        RegisterTestSchema();
+        kivmetadata::SetAllMetadataForcedWritable(false);
+    }
+    void TearDown() override
+    {
+        kivmetadata::SetAllMetadataForcedWritable(false);
+        kivmetadataui::Terminate();
+    }
+    kivmetadata::Value ValueOf(std::string const &name) const { return {false, TestPath(name), mProvider}; }
+
+    std::shared_ptr<RecordingProvider> mProvider;
 };
 
 } // namespace kivtest

@@ -7,14 +7,11 @@
 #include <kivmetadataui/Control.h>
 #include <kivmetadataui/ControlCreator.h>
 #include <kivmetadataui/ControlFactory.h>
-#include <kivmetadataui/Initialize.h>
 #include <kivmetadataui/MetadataProviderWrapper.h>
 #include <kivmetadataui/UI_DateTextEdit.h>
 
-#include <kivmetadata/MetaDataUpdateAccess.h>
 #include <kivmetadata/PathOperations.h>
 #include <kivmetadata/Value.h>
-#include <kivmetadata/ValueAccess.h>
 #include <kivmetadata/ViewItem.h>
 #include <kivui/UI_AutoCompleteTextEdit.h>
 #include <kivui/UI_Checkbox.h>
@@ -75,31 +72,21 @@ std::shared_ptr<ViewItem> Item(std::string const &name, std::map<std::string, st
     return item;
 }
 
-class ControlFactoryTest : public ::testing::Test {
+// Terminate destroys a creator a test installed.
+class ControlFactoryTest : public kivtest::SchemaTest {
 protected:
     void SetUp() override
     {
-        kivmetadataui::Initialize();
-        kivtest::RegisterTestSchema();
+        SchemaTest::SetUp();
         mProvider = RecordingProvider::Make(
             R"(<kbt:note>old</kbt:note><kbt:count>7</kbt:count><kbt:level>2</kbt:level><kbt:when>2013-01-01T10:00</kbt:when>)");
-        kivmetadata::SetAllMetadataForcedWritable(false);
     }
-    void TearDown() override
-    {
-        kivmetadata::SetAllMetadataForcedWritable(false);
-        kivmetadataui::RegisterControlCreator(nullptr);
-        kivmetadataui::Terminate();
-    }
-
-    Value ValueOf(std::string const &name) { return Value{false, TestPath(name), mProvider}; }
     std::shared_ptr<Control> Make(std::string const &name, std::shared_ptr<ViewItem> item = nullptr,
                                   bool readOnly = false)
     {
         return kivmetadataui::ControlFactory(ValueOf(name), std::move(item), mParent, readOnly, nullptr, nullptr);
     }
 
-    std::shared_ptr<RecordingProvider> mProvider;
     IntrusivePtr<kivui::UI_SubView> mParent{new kivui::UI_SubView()};
 };
 
@@ -245,11 +232,7 @@ TEST_F(ControlFactoryTest, MadeControlWritesEditsAndFollowsTheProvider)
     EXPECT_EQ(changed, 1);
 
     // A change made elsewhere is shown.
-    {
-        kivmetadata::MetaDataUpdateAccess access(mProvider);
-        ASSERT_TRUE(kivmetadata::SetValue(ValueOf("note"), std::string("elsewhere")));
-        access.AddChange(TestPath("note"));
-    }
+    kivtest::SetAndNotify(mProvider, TestPath("note"), "elsewhere");
     EXPECT_EQ(edit->GetValue(), u"elsewhere");
 
     mProvider->GetMeta()->SetProperty(kivtest::kTestNS, TestPath("note").mPath, "behind");
@@ -262,11 +245,7 @@ TEST_F(ControlFactoryTest, MadeControlWritesEditsAndFollowsTheProvider)
     keep->SetValue(u"after", true);
     EXPECT_EQ(mProvider->Text("note"), "behind");
     EXPECT_EQ(changed, 1);
-    {
-        kivmetadata::MetaDataUpdateAccess access(mProvider);
-        ASSERT_TRUE(kivmetadata::SetValue(ValueOf("note"), std::string("later")));
-        access.AddChange(TestPath("note"));
-    }
+    kivtest::SetAndNotify(mProvider, TestPath("note"), "later");
     EXPECT_EQ(keep->GetValue(), u"after");
 }
 

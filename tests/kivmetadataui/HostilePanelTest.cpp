@@ -4,11 +4,9 @@
 #include "BindingTestSupport.h"
 
 #include <kivmetadataui/BindControl.h>
-#include <kivmetadataui/Initialize.h>
 #include <kivmetadataui/TableLayout.h>
 
 #include <kivmetadata/PathOperations.h>
-#include <kivmetadata/PropertyDefinition.h>
 
 #include <kivui/UI_StaticText.h>
 #include <kivui/UI_TextEdit.h>
@@ -25,15 +23,7 @@ using kivmetadata::Value;
 using kivtest::RecordingProvider;
 using kivtest::TestPath;
 
-class HostilePanelTest : public ::testing::Test {
-protected:
-    void SetUp() override
-    {
-        kivmetadataui::Initialize();
-        kivtest::RegisterTestSchema();
-    }
-    void TearDown() override { kivmetadataui::Terminate(); }
-};
+using HostilePanelTest = kivtest::SchemaTest;
 
 TEST_F(HostilePanelTest, LongValuesShowShortenedReadOnlyAndAreNeverWrittenBack)
 {

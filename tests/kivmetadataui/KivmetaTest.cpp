@@ -3,6 +3,7 @@
 // when it is installed, and byte for byte where nothing may change), and the
 // window driven in-process.
 #include "Application.h"
+#include "BindingTestSupport.h"
 #include "CommandLine.h"
 #include "MetadataDump.h"
 #include "PropertyEditor.h"
@@ -10,14 +11,9 @@
 #include "Screenshots.h"
 
 #include <kivmetadata/FileMetaDataProvider.h>
-#include <kivmetadata/GetValueResult.h>
-#include <kivmetadata/MetaDataProvider.h>
-#include <kivmetadata/Value.h>
-#include <kivmetadata/ValueAccess.h>
 #include <kivmetadata/XMPMeta.h>
 #include <kivmetadataui/Initialize.h>
 #include <kivmetadataui/MetadataDialog.h>
-#include <kivui/ScriptedResponses.h>
 #include <kivui/UI_SubView.h>
 
 #include <QDir>
@@ -36,39 +32,25 @@
 namespace {
 
 using kivmeta::PropertyEdit;
+using kivtest::FileValue;
+using kivtest::ReadAll;
 
 // A packet with the kinds of values the panels show: language alternatives,
 // ordered and unordered arrays, a struct, an array of structs, numbers,
 // dates, choices and a read-only rational.
-constexpr char kPacket[] = R"(<x:xmpmeta xmlns:x="adobe:ns:meta/">
- <rdf:RDF xmlns:rdf="http://www.w3.org/1999/02/22-rdf-syntax-ns#">
-  <rdf:Description rdf:about=""
-    xmlns:dc="http://purl.org/dc/elements/1.1/"
-    xmlns:xmp="http://ns.adobe.com/xap/1.0/"
-    xmlns:photoshop="http://ns.adobe.com/photoshop/1.0/"
-    xmlns:Iptc4xmpCore="http://iptc.org/std/Iptc4xmpCore/1.0/xmlns/"
-    xmlns:Iptc4xmpExt="http://iptc.org/std/Iptc4xmpExt/2008-02-29/"
-    xmlns:exif="http://ns.adobe.com/exif/1.0/"
-    xmlns:tiff="http://ns.adobe.com/tiff/1.0/"
-    xmp:Rating="3" xmp:CreateDate="2024-06-14T18:42:07+02:00"
-    photoshop:City="Bergen" photoshop:Urgency="3" exif:FNumber="28/10" tiff:Make="Fjordcam">
-   <dc:title><rdf:Alt><rdf:li xml:lang="x-default">Harbour</rdf:li></rdf:Alt></dc:title>
-   <dc:creator><rdf:Seq><rdf:li>Kari Nordmann</rdf:li></rdf:Seq></dc:creator>
-   <dc:subject><rdf:Bag><rdf:li>harbour</rdf:li><rdf:li>boats</rdf:li></rdf:Bag></dc:subject>
-   <Iptc4xmpCore:CreatorContactInfo rdf:parseType="Resource">
-    <Iptc4xmpCore:CiAdrCity>Bergen</Iptc4xmpCore:CiAdrCity>
-   </Iptc4xmpCore:CreatorContactInfo>
-   <Iptc4xmpExt:LocationShown><rdf:Bag><rdf:li rdf:parseType="Resource">
-    <Iptc4xmpExt:City>Bergen</Iptc4xmpExt:City></rdf:li></rdf:Bag></Iptc4xmpExt:LocationShown>
-  </rdf:Description>
- </rdf:RDF>
-</x:xmpmeta>)";
-
-QByteArray ReadAll(QString const &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
+std::string const kPacket = kivtest::Packet(
+    R"(<photoshop:City>Bergen</photoshop:City><photoshop:Urgency>3</photoshop:Urgency><xmp:Rating>3</xmp:Rating>)"
+    R"(<xmp:CreateDate>2024-06-14T18:42:07+02:00</xmp:CreateDate><exif:FNumber>28/10</exif:FNumber>)"
+    R"(<tiff:Make xmlns:tiff="http://ns.adobe.com/tiff/1.0/">Fjordcam</tiff:Make>)"
+    R"(<dc:title><rdf:Alt><rdf:li xml:lang="x-default">Harbour</rdf:li></rdf:Alt></dc:title>)"
+    R"(<dc:creator><rdf:Seq><rdf:li>Kari Nordmann</rdf:li></rdf:Seq></dc:creator>)"
+    R"(<dc:subject><rdf:Bag><rdf:li>harbour</rdf:li><rdf:li>boats</rdf:li></rdf:Bag></dc:subject>)"
+    R"(<Iptc4xmpCore:CreatorContactInfo rdf:parseType="Resource")"
+    R"( xmlns:Iptc4xmpCore="http://iptc.org/std/Iptc4xmpCore/1.0/xmlns/">)"
+    R"(<Iptc4xmpCore:CiAdrCity>Bergen</Iptc4xmpCore:CiAdrCity></Iptc4xmpCore:CreatorContactInfo>)"
+    R"(<Iptc4xmpExt:LocationShown xmlns:Iptc4xmpExt="http://iptc.org/std/Iptc4xmpExt/2008-02-29/"><rdf:Bag>)"
+    R"(<rdf:li rdf:parseType="Resource"><Iptc4xmpExt:City>Bergen</Iptc4xmpExt:City></rdf:li>)"
+    R"(</rdf:Bag></Iptc4xmpExt:LocationShown>)");
 
 struct Outcome {
     int mStatus = -1;
@@ -137,16 +119,6 @@ protected:
         return Lines(run.mOut);
     }
 
-    static std::string ReadValue(QString const &path, std::string const &ns, std::string const &property)
-    {
-        auto provider = kivmetadata::FileMetaDataProvider::Open(path.toStdU16String());
-        if (!provider) return "<unreadable>";
-        std::string text;
-        kivmetadata::GetValueResult result{};
-        kivmetadata::GetValue(kivmetadata::Value{false, {ns, property}, provider}, text, result);
-        return result == kivmetadata::kGetValueResult_OneValue ? text : "<absent>";
-    }
-
     QTemporaryDir mFolder;
 };
 
@@ -208,21 +180,17 @@ TEST(KivmetaNamesTest, ScreenshotFileNamesAndWindowTitles)
 
 TEST(KivmetaDumpTest, ListsLeavesSortedWithItemsInNumericOrder)
 {
-    std::string packet =
-        R"(<x:xmpmeta xmlns:x="adobe:ns:meta/"><rdf:RDF xmlns:rdf="http://www.w3.org/1999/02/22-rdf-syntax-ns#">
-      <rdf:Description rdf:about="" xmlns:dc="http://purl.org/dc/elements/1.1/"
-        xmlns:Iptc4xmpCore="http://iptc.org/std/Iptc4xmpCore/1.0/xmlns/">
-       <dc:subject><rdf:Bag>)";
+    std::string body = "<dc:subject><rdf:Bag>";
     for (int i = 1; i <= 11; ++i)
-        packet += "<rdf:li>s" + std::to_string(i) + "</rdf:li>";
-    packet += R"(</rdf:Bag></dc:subject>
+        body += "<rdf:li>s" + std::to_string(i) + "</rdf:li>";
+    body += R"(</rdf:Bag></dc:subject>
        <dc:description><rdf:Alt><rdf:li xml:lang="x-default">line one
 line two \ end</rdf:li></rdf:Alt></dc:description>
-       <Iptc4xmpCore:CreatorContactInfo rdf:parseType="Resource">
-        <Iptc4xmpCore:CiAdrCity>Bergen</Iptc4xmpCore:CiAdrCity></Iptc4xmpCore:CreatorContactInfo>
-      </rdf:Description></rdf:RDF></x:xmpmeta>)";
+       <Iptc4xmpCore:CreatorContactInfo rdf:parseType="Resource"
+        xmlns:Iptc4xmpCore="http://iptc.org/std/Iptc4xmpCore/1.0/xmlns/">
+        <Iptc4xmpCore:CiAdrCity>Bergen</Iptc4xmpCore:CiAdrCity></Iptc4xmpCore:CreatorContactInfo>)";
     std::string error;
-    auto meta = kivmetadata::XMPMeta::Parse(packet, &error);
+    auto meta = kivmetadata::XMPMeta::Parse(kivtest::Packet(body), &error);
     ASSERT_TRUE(meta) << error;
     QStringList lines = kivmeta::DumpLines(*meta);
 
@@ -361,10 +329,10 @@ TEST_F(KivmetaTest, SeveralFilesGetTheEditAndKeepTheirOwnValues)
 
     Outcome run = RunKivmeta({"--set", "dc:title=Shared", a, b});
     ASSERT_EQ(run.mStatus, 0) << run.mErr.toStdString();
-    EXPECT_EQ(ReadValue(a, kDc, "dc:title"), "Shared");
-    EXPECT_EQ(ReadValue(b, kDc, "dc:title"), "Shared");
-    EXPECT_EQ(ReadValue(a, kPhotoshop, "photoshop:City"), "Bergen");
-    EXPECT_EQ(ReadValue(b, kPhotoshop, "photoshop:City"), "Narvik");
+    EXPECT_EQ(FileValue(a, {kDc, "dc:title"}), "Shared");
+    EXPECT_EQ(FileValue(b, {kDc, "dc:title"}), "Shared");
+    EXPECT_EQ(FileValue(a, {kPhotoshop, "photoshop:City"}), "Bergen");
+    EXPECT_EQ(FileValue(b, {kPhotoshop, "photoshop:City"}), "Narvik");
 
     Outcome dump = RunKivmeta({"--dump", a, "--dump", b});
     EXPECT_EQ(dump.mStatus, 0);
@@ -432,40 +400,9 @@ TEST_F(KivmetaTest, WindowEditsReachFilesOnlyOnOk)
                                        {PropertyEdit::Kind::Set, "dc:title", "Edited"}, error));
         EXPECT_TRUE(window.Commit()) << window.LastSaveErrors().join('\n').toStdString();
     }
-    EXPECT_EQ(ReadValue(a, kDc, "dc:title"), "Edited");
-    EXPECT_EQ(ReadValue(b, kDc, "dc:title"), "Edited");
-    EXPECT_EQ(ReadValue(b, kPhotoshop, "photoshop:City"), "Narvik");
-}
-
-TEST_F(KivmetaTest, OkWithAnUnwritableFileSavesTheOthersAndKeepsItIntact)
-{
-    QString const a = MakeJpeg("ok.jpg");
-    QString const b = MakeJpeg("locked.jpg");
-    QByteArray const originalB = ReadAll(b);
-    ASSERT_TRUE(QFile::setPermissions(b, QFile::ReadOwner | QFile::ReadGroup));
-    auto open = [](QString const &path) { return kivmetadata::FileMetaDataProvider::Open(path.toStdU16String()); };
-    kivcore::utility::IntrusivePtr<kivui::UI_SubView> parent(new kivui::UI_SubView());
-
-    using kivui::dialogs::ScriptedResponses;
-    ScriptedResponses::Clear();
-    ScriptedResponses::ClearHistory();
-    ScriptedResponses::PushOk();
-    {
-        kivmetadataui::MetadataDialog window({open(a), open(b)});
-        QString error;
-        ASSERT_TRUE(kivmeta::ApplyEdit(window.EditedProvider(), parent.get(),
-                                       {PropertyEdit::Kind::Set, "photoshop:City", "Oslo"}, error));
-        EXPECT_FALSE(window.Commit());
-        ASSERT_EQ(window.LastSaveErrors().size(), 1);
-        EXPECT_TRUE(window.LastSaveErrors().first().contains("locked.jpg"));
-    }
-    QFile::setPermissions(b, QFile::ReadOwner | QFile::WriteOwner);
-
-    EXPECT_EQ(ScriptedResponses::Pending(), 0u);
-    ASSERT_EQ(ScriptedResponses::History().size(), 1u);
-    EXPECT_TRUE(QString::fromStdU16String(ScriptedResponses::History().front().message).contains("locked.jpg"));
-    EXPECT_EQ(ReadValue(a, kPhotoshop, "photoshop:City"), "Oslo");
-    EXPECT_EQ(ReadAll(b), originalB);
+    EXPECT_EQ(FileValue(a, {kDc, "dc:title"}), "Edited");
+    EXPECT_EQ(FileValue(b, {kDc, "dc:title"}), "Edited");
+    EXPECT_EQ(FileValue(b, {kPhotoshop, "photoshop:City"}), "Narvik");
 }
 
 } // namespace

@@ -2,12 +2,12 @@
 // save cancelled halfway, the error list after a refused save, and templates
 // saved and applied with each import option.
 #include "BackgroundJob_p.h"
+#include "BindingTestSupport.h"
 #include "SampleImage.h"
 
 #include <kivmetadata/ErrorInfo.h>
 #include <kivmetadata/FileMetaDataProvider.h>
 #include <kivmetadata/GetValueResult.h>
-#include <kivmetadata/MetaDataUpdateAccess.h>
 #include <kivmetadata/Templates.h>
 #include <kivmetadata/Value.h>
 #include <kivmetadata/ValueAccess.h>
@@ -31,28 +31,18 @@ namespace {
 
 using kivmetadata::Path;
 using kivmetadataui::MetadataDialog;
+using kivtest::FileValue;
+using kivtest::Packet;
+using kivtest::ReadAll;
+using kivtest::SetAndNotify;
 using kivui::dialogs::ScriptedResponses;
 
 constexpr char kDc[] = "http://purl.org/dc/elements/1.1/";
 constexpr char kPhotoshop[] = "http://ns.adobe.com/photoshop/1.0/";
 
-std::string Packet(std::string const &inner)
-{
-    return R"(<x:xmpmeta xmlns:x="adobe:ns:meta/"><rdf:RDF xmlns:rdf="http://www.w3.org/1999/02/22-rdf-syntax-ns#">
-  <rdf:Description rdf:about="" xmlns:dc="http://purl.org/dc/elements/1.1/"
-    xmlns:photoshop="http://ns.adobe.com/photoshop/1.0/">)" +
-           inner + "</rdf:Description></rdf:RDF></x:xmpmeta>";
-}
-
 std::string const kTarget = Packet(R"(<photoshop:City>Bergen</photoshop:City>
     <dc:title><rdf:Alt><rdf:li xml:lang="x-default">Harbour</rdf:li></rdf:Alt></dc:title>
     <dc:subject><rdf:Bag><rdf:li>harbour</rdf:li><rdf:li>boats</rdf:li></rdf:Bag></dc:subject>)");
-
-QByteArray ReadAll(QString const &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 class MetadataDialogTest : public ::testing::Test {
 protected:
@@ -85,24 +75,6 @@ protected:
         return kivmetadata::FileMetaDataProvider::Open(path.toStdU16String());
     }
 
-    static void Set(std::shared_ptr<kivmetadata::MetaDataProvider> const &provider, Path const &path,
-                    std::string const &text)
-    {
-        kivmetadata::MetaDataUpdateAccess access(provider);
-        ASSERT_TRUE(kivmetadata::SetValue(kivmetadata::Value{false, path, provider}, text));
-        access.AddChange(path);
-    }
-
-    static std::string Read(QString const &file, Path const &path)
-    {
-        auto provider = Open(file);
-        if (!provider) return "<unreadable>";
-        std::string text;
-        kivmetadata::GetValueResult result{};
-        kivmetadata::GetValue(kivmetadata::Value{false, path, provider}, text, result);
-        return result == kivmetadata::kGetValueResult_OneValue ? text : "<absent>";
-    }
-
     QTemporaryDir mFolder;
 };
 
@@ -119,7 +91,7 @@ TEST_F(MetadataDialogTest, CancelledSaveStopsAfterTheCurrentFilesAndKeepsTheRest
         providers.push_back(Open(files.last()));
     }
     MetadataDialog dialog(providers);
-    Set(dialog.EditedProvider(), {kPhotoshop, "photoshop:City"}, "Tromsø");
+    SetAndNotify(dialog.EditedProvider(), {kPhotoshop, "photoshop:City"}, "Tromsø");
 
     // The worker that reaches file kCancelAt presses Cancel in the progress
     // window; every worker at or past it waits until the press has arrived,
@@ -155,7 +127,7 @@ TEST_F(MetadataDialogTest, CancelledSaveStopsAfterTheCurrentFilesAndKeepsTheRest
         SCOPED_TRACE(name.toStdString());
         EXPECT_TRUE(note.contains(name));
         if (saved.contains(name)) {
-            EXPECT_EQ(Read(files[i], {kPhotoshop, "photoshop:City"}), "Tromsø");
+            EXPECT_EQ(FileValue(files[i], {kPhotoshop, "photoshop:City"}), "Tromsø");
             originals[std::size_t(i)] = ReadAll(files[i]); // as saved
         } else {
             EXPECT_TRUE(unsaved.contains(name));
@@ -167,7 +139,7 @@ TEST_F(MetadataDialogTest, CancelledSaveStopsAfterTheCurrentFilesAndKeepsTheRest
     // not write the ones already saved again.
     EXPECT_TRUE(dialog.Commit()) << dialog.LastSaveErrors().join('\n').toStdString();
     for (int i = 0; i < kFiles; ++i) {
-        EXPECT_EQ(Read(files[i], {kPhotoshop, "photoshop:City"}), "Tromsø") << i;
+        EXPECT_EQ(FileValue(files[i], {kPhotoshop, "photoshop:City"}), "Tromsø") << i;
         if (saved.contains(QStringLiteral("f%1.jpg").arg(i))) {
             EXPECT_EQ(ReadAll(files[i]), originals[std::size_t(i)]) << i;
         }
@@ -219,13 +191,21 @@ TEST_F(MetadataDialogTest, ErrorListNamesTheFileThatCouldNotBeSaved)
 {
     QString const good = MakeJpeg("good.jpg");
     QString const locked = MakeJpeg("locked.jpg");
+    QByteArray const original = ReadAll(locked);
     ASSERT_TRUE(QFile::setPermissions(locked, QFile::ReadOwner | QFile::ReadGroup));
     MetadataDialog dialog({Open(good), Open(locked)});
-    Set(dialog.EditedProvider(), {kDc, "dc:title"}, "Evening");
+    SetAndNotify(dialog.EditedProvider(), {kDc, "dc:title"}, "Evening");
     ScriptedResponses::PushOk();
     EXPECT_FALSE(dialog.Commit());
     QFile::setPermissions(locked, QFile::ReadOwner | QFile::WriteOwner);
     EXPECT_EQ(dialog.LastUnsavedFiles(), QStringList{"locked.jpg"});
+    ASSERT_EQ(dialog.LastSaveErrors().size(), 1);
+    EXPECT_TRUE(dialog.LastSaveErrors().first().contains("locked.jpg"));
+    // The other file is saved, the locked one kept byte for byte, and the box said which.
+    EXPECT_EQ(FileValue(good, {kDc, "dc:title"}), "Evening");
+    EXPECT_EQ(ReadAll(locked), original);
+    ASSERT_EQ(ScriptedResponses::History().size(), 1u);
+    EXPECT_TRUE(QString::fromStdU16String(ScriptedResponses::History().front().message).contains("locked.jpg"));
 
     std::vector<std::pair<std::u16string, std::u16string>> rows;
     ScriptedResponses::PushAction(
@@ -275,9 +255,9 @@ TEST_F(MetadataDialogTest, TemplatesApplyWithEachImportOption)
         // Applied to the dialog's working copy: nothing reaches the file before OK.
         EXPECT_EQ(ReadAll(file), original);
         ASSERT_TRUE(dialog.Commit()) << dialog.LastSaveErrors().join('\n').toStdString();
-        EXPECT_EQ(Read(file, {kDc, "dc:title"}), c.mTitle);
-        EXPECT_EQ(Read(file, {kPhotoshop, "photoshop:City"}), c.mCity);
-        EXPECT_EQ(Read(file, {kDc, "dc:subject"}), c.mSubject);
+        EXPECT_EQ(FileValue(file, {kDc, "dc:title"}), c.mTitle);
+        EXPECT_EQ(FileValue(file, {kPhotoshop, "photoshop:City"}), c.mCity);
+        EXPECT_EQ(FileValue(file, {kDc, "dc:subject"}), c.mSubject);
     }
     QString error;
     MetadataDialog dialog({Open(source)});

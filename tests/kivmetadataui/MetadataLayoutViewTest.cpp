@@ -12,12 +12,10 @@
 #include <kivmetadata/MetaDataReadAccess.h>
 #include <kivmetadata/MetaDataUpdateAccess.h>
 #include <kivmetadata/PathOperations.h>
-#include <kivmetadata/ValueAccess.h>
 #include <kivmetadata/ViewDefinition.h>
 #include <kivmetadata/ViewDefinitions.h>
 #include <kivmetadata/XMPMeta.h>
 
-#include <kivcore/Assert.h>
 #include <kivcore/StringUtils.h>
 #include <kivui/UI_ScrollView.h>
 #include <kivui/UI_SectionView.h>
@@ -144,13 +142,12 @@ TEST_F(MetadataLayoutViewTest, ConstructionChecksItsInputs)
     EXPECT_TRUE(mAsserts.Asserts().empty());
 
     IntrusivePtr<MetadataLayoutView> bare(new MetadataLayoutView(std::shared_ptr<ViewDefinition>(), nullptr));
-    ASSERT_EQ(mAsserts.Asserts().size(), 2u);
-    EXPECT_EQ(mAsserts.Asserts()[0].unit, "src/MetadataLayoutView");
-    EXPECT_EQ(mAsserts.Asserts()[0].function, "kivmetadataui::MetadataLayoutView::Initialize");
-    EXPECT_EQ(mAsserts.Asserts()[0].condition, "mMetadataProvider");
-    EXPECT_EQ(mAsserts.Asserts()[0].message, "MetadataLayoutView(): no metadata provider");
-    EXPECT_EQ(mAsserts.Asserts()[1].condition, "mViewDefinition");
-    EXPECT_EQ(mAsserts.Asserts()[1].message, "MetadataLayoutView(): no view definition");
+    EXPECT_TRUE(mAsserts.FiredMessage("MetadataLayoutView(): no metadata provider"));
+    EXPECT_TRUE(mAsserts.FiredMessage("MetadataLayoutView(): no view definition"));
+    EXPECT_EQ(mAsserts.Take(),
+              (std::vector<std::string>{
+                  "src/MetadataLayoutView|kivmetadataui::MetadataLayoutView::Initialize|mMetadataProvider",
+                  "src/MetadataLayoutView|kivmetadataui::MetadataLayoutView::Initialize|mViewDefinition"}));
     EXPECT_EQ(bare->GetViewName(), "");
     EXPECT_EQ(bare->GetDisplayName(), "");
 
@@ -159,8 +156,9 @@ TEST_F(MetadataLayoutViewTest, ConstructionChecksItsInputs)
     EXPECT_EQ(named->GetViewName(), "Description");
     mAsserts.Clear();
     IntrusivePtr<MetadataLayoutView> unknown(new MetadataLayoutView("NoSuchPanel", mProvider));
-    ASSERT_EQ(mAsserts.Asserts().size(), 1u);
-    EXPECT_EQ(mAsserts.Asserts()[0].condition, "mViewDefinition");
+    EXPECT_EQ(mAsserts.Take(),
+              std::vector<std::string>{
+                  "src/MetadataLayoutView|kivmetadataui::MetadataLayoutView::Initialize|mViewDefinition"});
 }
 
 TEST_F(MetadataLayoutViewTest, BuildsSectionsOfLabelledControls)
@@ -386,21 +384,6 @@ TEST_F(MetadataLayoutViewTest, ArrayEditorEditsItemsThroughTheProvider)
 
 class RawDataViewTest : public MetadataLayoutViewTest {
 protected:
-    // A provider whose packet serialises to exactly inBytes bytes.
-    std::shared_ptr<MemoryMetaDataProvider> ProviderOfSize(std::size_t inBytes)
-    {
-        auto measure = [](std::size_t inFill) {
-            auto provider = MemoryMetaDataProvider::FromPacket(
-                kivtest::Packet("<dc:source>" + std::string(inFill, 'x') + "</dc:source>"));
-            kivmetadata::MetaDataReadAccess access(provider);
-            return std::make_pair(provider, access.GetMeta()->Serialize(16, 0).size());
-        };
-        auto [probe, size] = measure(1000);
-        auto [provider, exact] = measure(1000 + inBytes - size);
-        EXPECT_EQ(exact, inBytes);
-        return provider;
-    }
-
     std::u16string ShownText(MetadataLayoutView &inView)
     {
         auto *text = FindByType<kivui::UI_TextEdit>(&inView);
@@ -410,8 +393,18 @@ protected:
 
 TEST_F(RawDataViewTest, ShowsThePacketUpToTheLimit)
 {
+    // A provider with a source of `fill` letters, and the size of its packet.
+    auto measure = [](std::size_t fill) {
+        auto provider = MemoryMetaDataProvider::FromPacket(
+            kivtest::Packet("<dc:source>" + std::string(fill, 'x') + "</dc:source>"));
+        kivmetadata::MetaDataReadAccess access(provider);
+        return std::make_pair(provider, access.GetMeta()->Serialize(16, 0).size());
+    };
+    auto const size = measure(1000).second;
     for (std::size_t bytes : {std::size_t(1000000), std::size_t(1000001)}) {
-        mProvider = ProviderOfSize(bytes);
+        auto [provider, exact] = measure(1000 + bytes - size);
+        ASSERT_EQ(exact, bytes) << "the packet is exactly that long";
+        mProvider = provider;
         auto view = CreateRawDataView(nullptr, mProvider);
         view->UI_SetLocalRectF(RectF{0, 0, 500, 400});
         Attach(view);
@@ -449,12 +442,7 @@ TEST_F(RawDataViewTest, TextIsReadOnlySelectableAndFollowsTheProvider)
     EXPECT_NE(ShownText(*view).find(u"Harbour at dawn"), std::u16string::npos);
     EXPECT_EQ(text->UI_GetLocalRectF(true).Bottom(), 400.0f);
 
-    {
-        kivmetadata::MetaDataUpdateAccess access(mProvider);
-        kivmetadata::Value value{false, kivmetadata::PathForSchemaNameAndPropertyName(kDC, "source"), mProvider};
-        ASSERT_TRUE(kivmetadata::SetValue(value, std::string("Archive box 7")));
-        access.AddChange(value.mPath);
-    }
+    kivtest::SetAndNotify(mProvider, kivmetadata::PathForSchemaNameAndPropertyName(kDC, "source"), "Archive box 7");
     EXPECT_NE(ShownText(*view).find(u"Archive box 7"), std::u16string::npos);
     view.reset();
     mHost->DeleteChildren();

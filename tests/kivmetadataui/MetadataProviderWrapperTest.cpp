@@ -107,10 +107,10 @@ TEST_F(MetadataProviderWrapperTest, ProviderWithoutObjectAssertsAndCommitsNothin
     auto scripted = std::make_shared<ScriptedProvider>();
     scripted->mHasMeta = false;
     MetadataProviderWrapper empty(scripted);
-    ASSERT_EQ(asserts.Asserts().size(), 1u);
-    EXPECT_EQ(asserts.Asserts()[0].message, "MetadataProviderWrapper: no metadata object available");
-    EXPECT_EQ(asserts.Asserts()[0].condition, "false");
-    EXPECT_EQ(asserts.Asserts()[0].function, "kivmetadataui::MetadataProviderWrapper::MetadataProviderWrapper");
+    EXPECT_TRUE(asserts.FiredMessage("MetadataProviderWrapper: no metadata object available"));
+    EXPECT_EQ(asserts.Take(),
+              std::vector<std::string>{"src/MetadataDialog|"
+                                       "kivmetadataui::MetadataProviderWrapper::MetadataProviderWrapper|false"});
     EXPECT_EQ(empty.GetMeta(), nullptr);
 
     // An object that disappears before the commit: the commit asserts.

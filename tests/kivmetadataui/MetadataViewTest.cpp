@@ -1,4 +1,5 @@
 #include "AdvancedPage_p.h"
+#include "BindingTestSupport.h"
 
 #include <kivmetadataui/FocusMover.h>
 #include <kivmetadataui/Initialize.h>
@@ -10,11 +11,8 @@
 #include <kivmetadata/Definitions.h>
 #include <kivmetadata/FileMetaDataProvider.h>
 #include <kivmetadata/MemoryMetaDataProvider.h>
-#include <kivmetadata/MetaDataUpdateAccess.h>
 #include <kivmetadata/PathOperations.h>
 #include <kivmetadata/SchemaDefinition.h>
-#include <kivmetadata/Value.h>
-#include <kivmetadata/ValueAccess.h>
 #include <kivmetadata/ViewSettings.h>
 #include <kivui/PrefManager.h>
 #include <kivui/UI_Checkbox.h>
@@ -28,7 +26,6 @@
 
 #include <QApplication>
 #include <QCheckBox>
-#include <QDir>
 #include <QImage>
 #include <QLineEdit>
 #include <QTemporaryDir>
@@ -99,24 +96,20 @@ Path U(std::string const &inPath)
     return Path{kOtherNS, "kvu:" + inPath};
 }
 
-std::string Packet(std::string const &inBody)
-{
-    return R"(<x:xmpmeta xmlns:x="adobe:ns:meta/"><rdf:RDF xmlns:rdf="http://www.w3.org/1999/02/22-rdf-syntax-ns#">)"
-           R"(<rdf:Description rdf:about="" xmlns:kvt="http://ns.kivtest.org/tree/1.0/")"
-           R"( xmlns:kvu="http://ns.kivtest.org/tree-other/1.0/" xmlns:kvw="http://ns.kivtest.org/tree-last/1.0/">)" +
-           inBody + "</rdf:Description></rdf:RDF></x:xmpmeta>";
-}
-
 // Every property of the sample, nested structures and arrays included.
 std::string const kSample =
-    Packet("<kvt:title>Sunset over the harbour</kvt:title><kvt:note>remember</kvt:note>"
-           "<kvt:contact rdf:parseType=\"Resource\"><kvt:email>anna@example.org</kvt:email></kvt:contact>"
-           "<kvt:places><rdf:Bag>"
-           "<rdf:li rdf:parseType=\"Resource\"><kvt:city>Paris</kvt:city></rdf:li>"
-           "<rdf:li rdf:parseType=\"Resource\"><kvt:city>Lyon</kvt:city></rdf:li>"
-           "</rdf:Bag></kvt:places>"
-           "<kvt:tags><rdf:Bag><rdf:li>red</rdf:li><rdf:li>Blue</rdf:li></rdf:Bag></kvt:tags>"
-           "<kvu:title>Cafe\xCC\x81 noir</kvu:title><kvw:caption>Last</kvw:caption>");
+    R"(<x:xmpmeta xmlns:x="adobe:ns:meta/"><rdf:RDF xmlns:rdf="http://www.w3.org/1999/02/22-rdf-syntax-ns#">)"
+    R"(<rdf:Description rdf:about="" xmlns:kvt="http://ns.kivtest.org/tree/1.0/")"
+    R"( xmlns:kvu="http://ns.kivtest.org/tree-other/1.0/" xmlns:kvw="http://ns.kivtest.org/tree-last/1.0/">)"
+    "<kvt:title>Sunset over the harbour</kvt:title><kvt:note>remember</kvt:note>"
+    "<kvt:contact rdf:parseType=\"Resource\"><kvt:email>anna@example.org</kvt:email></kvt:contact>"
+    "<kvt:places><rdf:Bag>"
+    "<rdf:li rdf:parseType=\"Resource\"><kvt:city>Paris</kvt:city></rdf:li>"
+    "<rdf:li rdf:parseType=\"Resource\"><kvt:city>Lyon</kvt:city></rdf:li>"
+    "</rdf:Bag></kvt:places>"
+    "<kvt:tags><rdf:Bag><rdf:li>red</rdf:li><rdf:li>Blue</rdf:li></rdf:Bag></kvt:tags>"
+    "<kvu:title>Cafe\xCC\x81 noir</kvu:title><kvw:caption>Last</kvw:caption>"
+    "</rdf:Description></rdf:RDF></x:xmpmeta>";
 
 class RecordingMover : public kivmetadataui::FocusMover {
 public:
@@ -150,7 +143,7 @@ protected:
         mTree = Register(kTreeSchema);
         mOther = Register(kOtherSchema);
         mLast = Register(kLastSchema);
-        ASSERT_TRUE(mTree && mOther && mLast);
+        ASSERT_TRUE(mTree && mOther && mLast && mFolder.isValid());
         kivmetadata::ExcludePropertyForClient(T("hidden"), true);
         mHost->UI_SetDrawSupplier(&mSupplier);
         mHost->UI_SetLocalRectF(RectF{0, 0, 600, 900});
@@ -226,12 +219,17 @@ protected:
         return {};
     }
 
-    kivui::UI_TextEdit *Edit(Path const &inPath) const
+    // The row's cell, made if it was not; null for a path without a row.
+    kivmetadataui::MetadataViewCell *Cell(Path const &inPath) const
     {
         RowPtr row = mView->FindRowForPath(inPath);
         if (!row) return nullptr;
         mView->OnRowVisibilityChanged(row);
-        kivmetadataui::MetadataViewCell *cell = mView->MetadataCellForRow(row);
+        return mView->MetadataCellForRow(row);
+    }
+    kivui::UI_TextEdit *Edit(Path const &inPath) const
+    {
+        kivmetadataui::MetadataViewCell *cell = Cell(inPath);
         return cell ? dynamic_cast<kivui::UI_TextEdit *>(cell->GetChild_Value().get()) : nullptr;
     }
 
@@ -240,6 +238,7 @@ protected:
     std::shared_ptr<kivmetadata::SchemaDefinition> mTree, mOther, mLast;
     std::shared_ptr<kivmetadata::MetaDataProvider> mProvider;
     IntrusivePtr<MetadataView> mView;
+    QTemporaryDir mFolder;
 };
 
 char const *StateName(kivui::UI_Checkbox const *inBox)
@@ -332,7 +331,6 @@ TEST_F(MetadataViewTest, RapidFindKeepsMatchesAndTheirAncestors)
 TEST_F(MetadataViewTest, LabelsCarryTheIndexAndTheNumberOfEntries)
 {
     Make(kSample, false);
-    MakeAllCells();
     struct Case {
         Path path;
         std::u16string label;
@@ -344,9 +342,9 @@ TEST_F(MetadataViewTest, LabelsCarryTheIndexAndTheNumberOfEntries)
         {U("list"), u"List"}, // no items, no entries text
     };
     for (Case const &c : cases) {
-        RowPtr row = mView->FindRowForPath(c.path);
-        ASSERT_TRUE(row) << c.path.mPath;
-        auto *label = dynamic_cast<kivui::UI_StaticText *>(mView->MetadataCellForRow(row)->GetChild_Label().get());
+        kivmetadataui::MetadataViewCell *cell = Cell(c.path);
+        ASSERT_TRUE(cell) << c.path.mPath;
+        auto *label = dynamic_cast<kivui::UI_StaticText *>(cell->GetChild_Label().get());
         ASSERT_NE(label, nullptr);
         EXPECT_EQ(label->GetText(), c.label) << c.path.mPath;
     }
@@ -440,9 +438,7 @@ TEST_F(MetadataViewTest, TabMovesBetweenEditableRowsAndLeavesTheView)
 
 TEST_F(MetadataViewTest, AnEditInTheTreeReachesTheFile)
 {
-    QTemporaryDir folder;
-    ASSERT_TRUE(folder.isValid());
-    QString const file = QDir(folder.path()).filePath(QStringLiteral("tree.jpg"));
+    QString const file = mFolder.filePath(QStringLiteral("tree.jpg"));
     QImage image(32, 24, QImage::Format_RGB32);
     image.fill(QColor(30, 90, 160));
     ASSERT_TRUE(image.save(file, "JPG"));
@@ -450,11 +446,7 @@ TEST_F(MetadataViewTest, AnEditInTheTreeReachesTheFile)
         // The file starts with a packet of its own, as files from cameras and editors do.
         auto seed = kivmetadata::FileMetaDataProvider::Open(file.toStdU16String());
         ASSERT_TRUE(seed);
-        {
-            kivmetadata::MetaDataUpdateAccess access(seed);
-            ASSERT_TRUE(kivmetadata::SetValue(kivmetadata::Value{false, Path{kDC, "dc:rights"}, seed}, "Kiv"));
-            access.AddChange(Path{});
-        }
+        kivtest::SetAndNotify(seed, Path{kDC, "dc:rights"}, "Kiv");
         std::string error;
         ASSERT_TRUE(seed->Save(&error)) << error;
     }
@@ -469,7 +461,7 @@ TEST_F(MetadataViewTest, AnEditInTheTreeReachesTheFile)
     Case const cases[] = {
         {"dc:title", u"Harbour at dusk", "Harbour at dusk"},
         {"dc:subject", u"boats; evening", "boats; evening"},
-        {"dc:title", u"", ""}, // an empty text removes the property
+        {"dc:title", u"", "<absent>"}, // an empty text removes the property
     };
     for (Case const &c : cases) {
         SCOPED_TRACE(c.property);
@@ -489,14 +481,7 @@ TEST_F(MetadataViewTest, AnEditInTheTreeReachesTheFile)
         ASSERT_TRUE(provider->Save(&error)) << error;
         mView.reset();
 
-        auto reopened = kivmetadata::FileMetaDataProvider::Open(file.toStdU16String());
-        ASSERT_TRUE(reopened);
-        std::string text;
-        kivmetadata::GetValueResult result = kivmetadata::kGetValueResult_Absent;
-        kivmetadata::GetValue(kivmetadata::Value{false, path, reopened}, text, result);
-        EXPECT_EQ(text, c.stored);
-        EXPECT_EQ(result,
-                  c.stored.empty() ? kivmetadata::kGetValueResult_Absent : kivmetadata::kGetValueResult_OneValue);
+        EXPECT_EQ(kivtest::FileValue(file, path), c.stored);
     }
 }
 
@@ -507,11 +492,8 @@ TEST_F(MetadataViewTest, LinkButtonsFollowTheDelegate)
     mHost->UI_SetGlobalStructureRect(RectF{50, 50, 600, 900});
     mHost->UI_Show(true);
     ASSERT_TRUE(QTest::qWaitForWindowExposed(mHost->UI_GetWidget()));
-    auto button = [&](char const *name) -> kivui::UI_PictureButton * {
-        RowPtr row = mView->FindRowForPath(T(name));
-        if (!row) return nullptr;
-        mView->OnRowVisibilityChanged(row);
-        return dynamic_cast<kivui::UI_PictureButton *>(mView->MetadataCellForRow(row)->GetChild_Link().get());
+    auto button = [&](char const *name) {
+        return dynamic_cast<kivui::UI_PictureButton *>(Cell(T(name))->GetChild_Link().get());
     };
     EXPECT_EQ(button("title"), nullptr) << "no delegate, no link button";
     mView->UpdateAllLinkButtons();
@@ -552,9 +534,7 @@ TEST_F(MetadataViewTest, LinkButtonsFollowTheDelegate)
 
 TEST_F(MetadataViewTest, AdvancedPageShowsTheKeptChoiceAndUnknownProperties)
 {
-    QTemporaryDir folder;
-    ASSERT_TRUE(folder.isValid());
-    auto *prefs = kivui::utility::PrefManager::CreateAtPath(QDir(folder.path()).filePath(QStringLiteral("prefs.ini")));
+    auto *prefs = kivui::utility::PrefManager::CreateAtPath(mFolder.filePath(QStringLiteral("prefs.ini")));
     ASSERT_NE(prefs, nullptr);
     std::string kept;
     ASSERT_TRUE(kivmetadata::IncludedLeafPathsAsXMLString({T("title"), U("title")}, kept));

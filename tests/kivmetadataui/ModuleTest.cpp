@@ -39,12 +39,6 @@ ControlCreator TaggedCreator(std::shared_ptr<int> const &tag)
     };
 }
 
-int Call(ControlCreator const &creator)
-{
-    creator(kivmetadata::Value{}, nullptr, nullptr);
-    return 0;
-}
-
 // Every test starts and ends with the module stopped and no creator.
 class ModuleTest : public ::testing::Test {
 protected:
@@ -121,8 +115,8 @@ TEST_F(ModuleTest, CreatorSlotReplacesCopiesAndEmpties)
     kivmetadataui::RegisterControlCreator(std::move(replacement));
     EXPECT_TRUE(firstAlive.expired()) << "the replaced creator is destroyed";
     ControlCreator copy = kivmetadataui::RegisteredControlCreator();
-    Call(copy);
-    Call(kivmetadataui::RegisteredControlCreator());
+    copy(kivmetadata::Value{}, nullptr, nullptr);
+    kivmetadataui::RegisteredControlCreator()(kivmetadata::Value{}, nullptr, nullptr);
     EXPECT_EQ(*second, 2) << "the copy calls the second creator";
     EXPECT_TRUE(static_cast<bool>(kivmetadataui::RegisteredControlCreator())) << "the slot keeps its own copy";
 

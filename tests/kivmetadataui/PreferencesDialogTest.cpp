@@ -1,6 +1,7 @@
 #include <kivmetadataui/AddSchemaPropertyDialog.h>
 #include <kivmetadataui/MetadataPreferencesDialog.h>
 
+#include "BindingTestSupport.h"
 #include "MetadataPreferencesDialog_p.h"
 #include "PathSelection_p.h"
 
@@ -11,7 +12,6 @@
 #include <kivmetadata/SchemaDefinition.h>
 #include <kivmetadata/ViewSettings.h>
 
-#include <kivcore/Assert.h>
 #include <kivcore/FileUtils.h>
 #include <kivcore/StringUtils.h>
 #include <kivui/ScriptedResponses.h>
@@ -498,9 +498,7 @@ TEST_F(PreferencesDialogTest, AddPropertyDialogChecksTheNameAndReturnsTheType)
 
 TEST_F(PreferencesDialogTest, MissingSupplierOrParentIsAnAssertionAndShowsNothing)
 {
-    std::vector<std::string> fired;
-    auto const previous = kivcore::debug::SetAssertHandler(
-        [&fired](kivcore::debug::AssertInfo const &info) { fired.push_back(info.unit + " " + info.condition); });
+    kivtest::AssertRecorder asserts;
     EXPECT_FALSE(kivmetadataui::DoMetadataPreferencesDialog(mSelected, &mSupplier, nullptr, mOpened, Folder(),
                                                             mSchemas.cbegin(), mSchemas.cend()));
     EXPECT_FALSE(kivmetadataui::DoMetadataPreferencesDialog(mSelected, nullptr, mParent.get(), mOpened, Folder(),
@@ -508,10 +506,11 @@ TEST_F(PreferencesDialogTest, MissingSupplierOrParentIsAnAssertionAndShowsNothin
     std::u16string name, text;
     std::int32_t index = 0;
     EXPECT_FALSE(kivmetadataui::DoAddSchemaPropertyDialog(mSchemas.front(), name, text, index, nullptr));
-    kivcore::debug::SetAssertHandler(previous);
-    EXPECT_EQ(fired, (std::vector<std::string>{"src/MetadataPreferencesDialog inDrawSupplier && inParent",
-                                               "src/MetadataPreferencesDialog inDrawSupplier && inParent",
-                                               "src/AddSchemaPropertyDialog inDrawSupplier"}));
+    EXPECT_EQ(asserts.Take(),
+              (std::vector<std::string>{
+                  "src/MetadataPreferencesDialog|kivmetadataui::DoMetadataPreferencesDialog|inDrawSupplier && inParent",
+                  "src/MetadataPreferencesDialog|kivmetadataui::DoMetadataPreferencesDialog|inDrawSupplier && inParent",
+                  "src/AddSchemaPropertyDialog|kivmetadataui::DoAddSchemaPropertyDialog|inDrawSupplier"}));
     EXPECT_TRUE(Shown().empty());
 }
 

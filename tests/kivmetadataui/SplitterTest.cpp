@@ -3,7 +3,8 @@
 #include <kivmetadataui/MetadataSectionView.h>
 #include <kivmetadataui/TriSectionSplitterView.h>
 
-#include <kivcore/Assert.h>
+#include "BindingTestSupport.h"
+
 #include <kivui/SkinManager.h>
 #include <kivui/SkinVersion.h>
 #include <kivui/UI_NodeManager.h>
@@ -31,13 +32,10 @@ protected:
     {
         mLook = SkinManager::GetSkinVersion();
         SkinManager::SetSkinVersion(SkinVersion::kV7);
-        // Make() reaches the bottom section through the asserting lookup.
-        kivcore::debug::SetAssertHandler([](kivcore::debug::AssertInfo const &) {});
     }
     void TearDown() override
     {
         kivui::UI_NodeManager::Get().EndInputCapture();
-        kivcore::debug::SetAssertHandler({});
         SkinManager::SetSkinVersion(mLook);
     }
 
@@ -75,6 +73,8 @@ protected:
     }
 
     SkinVersion mLook = SkinVersion::kV7;
+    // Make() reaches the bottom section through the asserting lookup.
+    kivtest::AssertRecorder mAsserts;
 };
 
 TEST_F(SplitterTest, SectionGeometryFollowsFractionsAndOpenedStates)
@@ -130,10 +130,6 @@ TEST_F(SplitterTest, HeaderHeightFollowsTheLook)
 
 TEST_F(SplitterTest, SectionLookupAssertsPastTheHeldCount)
 {
-    std::vector<std::string> fired;
-    kivcore::debug::SetAssertHandler([&](kivcore::debug::AssertInfo const &info) {
-        fired.push_back(info.unit + "|" + info.function + "|" + info.condition);
-    });
     kivcore::utility::IntrusivePtr<MetadataSectionView> bottom(new MetadataSectionView(u"Raw", true));
     SplitterPtr view(new TriSectionSplitterView(nullptr, nullptr, nullptr, bottom));
     struct Case {
@@ -149,13 +145,13 @@ TEST_F(SplitterTest, SectionLookupAssertsPastTheHeldCount)
     };
     for (Case const &c : cases) {
         SCOPED_TRACE(c.index);
-        fired.clear();
+        mAsserts.Clear();
         auto section = view->GetSectionView(c.index);
         EXPECT_EQ(section != nullptr, c.hasView);
         if (c.assertion)
-            EXPECT_EQ(fired, std::vector<std::string>{c.assertion});
+            EXPECT_EQ(mAsserts.Take(), std::vector<std::string>{c.assertion});
         else
-            EXPECT_TRUE(fired.empty());
+            EXPECT_TRUE(mAsserts.Take().empty());
     }
     EXPECT_EQ(view->GetSectionView(2).get(), bottom.get());
 }

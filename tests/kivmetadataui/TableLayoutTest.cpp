@@ -67,11 +67,8 @@ class TableLayoutTest : public ::testing::Test {
 protected:
     void ExpectOneAssert(std::string const &inFunction, std::string const &inCondition)
     {
-        ASSERT_EQ(mAsserts.Asserts().size(), 1u);
-        EXPECT_EQ(mAsserts.Asserts()[0].unit, "layout/src/TableLayout");
-        EXPECT_EQ(mAsserts.Asserts()[0].function, inFunction);
-        EXPECT_EQ(mAsserts.Asserts()[0].condition, inCondition);
-        mAsserts.Clear();
+        EXPECT_EQ(mAsserts.Take(),
+                  std::vector<std::string>{"layout/src/TableLayout|" + inFunction + "|" + inCondition});
     }
 
     kivtest::AssertRecorder mAsserts;

@@ -7,14 +7,11 @@
 #include <kivmetadataui/BindControl.h>
 #include <kivmetadataui/Control.h>
 #include <kivmetadataui/ControlFactory.h>
-#include <kivmetadataui/Initialize.h>
 #include <kivmetadataui/UI_DateTextEdit.h>
 
-#include <kivmetadata/Definitions.h>
 #include <kivmetadata/MemoryMetaDataProvider.h>
 #include <kivmetadata/PathOperations.h>
 #include <kivmetadata/Value.h>
-#include <kivmetadata/XMPMeta.h>
 #include <kivui/UI_StaticText.h>
 #include <kivui/UI_SubView.h>
 #include <kivui/UI_TextEdit.h>
@@ -31,11 +28,12 @@ constexpr char kAux[] = "http://ns.adobe.com/exif/1.0/aux/";
 constexpr char kXmp[] = "http://ns.adobe.com/xap/1.0/";
 constexpr char kDc[] = "http://purl.org/dc/elements/1.1/";
 
+using ValueDisplayTest = kivtest::SchemaTest;
+
 // Each property's stored text in the form its name, or else its type, calls
 // for; what the form cannot read is shown as stored.
-TEST(ValueDisplayTest, ShowsEachPropertyInItsFormOrAsStored)
+TEST_F(ValueDisplayTest, ShowsEachPropertyInItsFormOrAsStored)
 {
-    kivmetadataui::Initialize();
     struct Case {
         char const *ns;
         char const *name;
@@ -92,15 +90,13 @@ TEST(ValueDisplayTest, ShowsEachPropertyInItsFormOrAsStored)
         EXPECT_EQ(kivmetadataui::FormatForDisplay(kivmetadataui::DisplayFormOf(*definition), c.stored), c.shown)
             << c.name << ", stored \"" << c.stored << '"';
     }
-    kivmetadataui::Terminate();
 }
 
 // Read-only controls show the read form with the stored text in their
 // tooltip; an editable control keeps the stored text, so nothing formatted
 // can be written back.
-TEST(ValueDisplayTest, OnlyReadOnlyControlsShowTheReadForm)
+TEST_F(ValueDisplayTest, OnlyReadOnlyControlsShowTheReadForm)
 {
-    kivmetadataui::Initialize();
     auto provider = kivmetadata::MemoryMetaDataProvider::FromPacket(kivtest::Packet(
         R"(<exif:FNumber>28/10</exif:FNumber><exif:GPSLatitude>48,51.3N</exif:GPSLatitude>)"
         R"(<exif:GPSTimeStamp>2026-11-23T20:13:41+02:00</exif:GPSTimeStamp><exif:ExposureTime>1/0</exif:ExposureTime>)"));
@@ -141,15 +137,12 @@ TEST(ValueDisplayTest, OnlyReadOnlyControlsShowTheReadForm)
         const std::u16string tip = view->GetToolTip();
         EXPECT_EQ(tip.find(u"Stored as: "), tip.rfind(u"Stored as: ")) << c.name;
     }
-    kivmetadata::SetAllMetadataForcedWritable(false);
-    kivmetadataui::Terminate();
 }
 
 // The binding does not show its own writes again, so an edit must bring the
 // stored text in the tooltip up to date itself.
-TEST(ValueDisplayTest, AnEditedDateNamesWhatIsStoredNow)
+TEST_F(ValueDisplayTest, AnEditedDateNamesWhatIsStoredNow)
 {
-    kivmetadataui::Initialize();
     auto provider = kivmetadata::MemoryMetaDataProvider::FromPacket(
         kivtest::Packet(R"(<exif:DateTimeOriginal>2026-11-23T20:13:41+01:00</exif:DateTimeOriginal>)"));
     ASSERT_TRUE(provider);
@@ -166,7 +159,6 @@ TEST(ValueDisplayTest, AnEditedDateNamesWhatIsStoredNow)
     date->SetValue(u"2026");
     kivmetadataui::UpdateValue(value, date);
     EXPECT_EQ(date->GetToolTip(), u"") << "shown as stored";
-    kivmetadataui::Terminate();
 }
 
 } // namespace
