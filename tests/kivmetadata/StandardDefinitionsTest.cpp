@@ -12,11 +12,11 @@
 
 #include <gtest/gtest.h>
 
+#include "TestImages.h"
+
 #include <QDir>
 #include <QFile>
-#include <QProcess>
 #include <QRegularExpression>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QXmlStreamReader>
 
@@ -34,6 +34,7 @@ void PrintTo(QString const &text, std::ostream *out)
 }
 
 using namespace kivmetadata;
+using namespace testimages;
 
 namespace {
 
@@ -44,18 +45,10 @@ QString ResourceFolder()
     return QString::fromUtf8(KIV_METADATA_RESOURCES_DIR);
 }
 
-QStringList XmlFiles(QString const &sub)
-{
-    QDir dir(ResourceFolder() + u'/' + sub);
-    return dir.entryList({QStringLiteral("*.xml")}, QDir::Files, QDir::Name);
-}
-
 // The ids of types.xml in file order: the model keeps no list of them.
 QStringList TypeIds()
 {
-    QFile file(ResourceFolder() + QStringLiteral("/definitions/types.xml"));
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-    QXmlStreamReader xml(&file);
+    QXmlStreamReader xml(ReadFile(ResourceFolder() + QStringLiteral("/definitions/types.xml")));
     QStringList ids;
     while (!xml.atEnd())
         if (xml.readNext() == QXmlStreamReader::StartElement && xml.name() == QStringLiteral("type"))
@@ -72,19 +65,6 @@ QString FormName(ValueForm form)
 bool HasStructValue(Def const &d)
 {
     return d.IsStruct() || (d.IsArray() && d.mItemForm == ValueForm::kStruct);
-}
-
-// "$$$/kivmetadata/<something>=<English text>".
-bool IsLocalisedText(std::string const &text)
-{
-    static QRegularExpression const re(QStringLiteral(R"(^\$\$\$/kivmetadata/[A-Za-z0-9_./+-]+=\S.*$)"));
-    return re.match(QString::fromStdString(text)).hasMatch();
-}
-
-bool IsXmlName(std::string const &name)
-{
-    static QRegularExpression const re(QStringLiteral(R"(^[A-Za-z_][A-Za-z0-9_.-]*$)"));
-    return re.match(QString::fromStdString(name)).hasMatch();
 }
 
 // Unique values; integers where the value is one.
@@ -151,12 +131,13 @@ TEST_F(StandardDefinitionsTest, EveryStandardFileIsPresentAndCompiledIn)
     for (QString sub : {QStringLiteral("definitions"), QStringLiteral("panels")}) {
         QStringList compiled =
             QDir(QStringLiteral(":/kivmetadata/") + sub).entryList({QStringLiteral("*.xml")}, QDir::Files, QDir::Name);
-        EXPECT_EQ(compiled, XmlFiles(sub)) << sub.toStdString();
+        EXPECT_EQ(compiled,
+                  QDir(ResourceFolder() + u'/' + sub).entryList({QStringLiteral("*.xml")}, QDir::Files, QDir::Name))
+            << sub.toStdString();
         for (auto const &f : compiled) {
-            QFile source(ResourceFolder() + u'/' + sub + u'/' + f),
-                resource(QStringLiteral(":/kivmetadata/") + sub + u'/' + f);
-            ASSERT_TRUE(source.open(QIODevice::ReadOnly) && resource.open(QIODevice::ReadOnly));
-            EXPECT_TRUE(source.readAll() == resource.readAll()) << f.toStdString() << " is stale in the resources";
+            EXPECT_TRUE(ReadFile(ResourceFolder() + u'/' + sub + u'/' + f) ==
+                        ReadFile(QStringLiteral(":/kivmetadata/") + sub + u'/' + f))
+                << f.toStdString() << " is stale in the resources";
         }
     }
 }
@@ -173,8 +154,9 @@ TEST_F(StandardDefinitionsTest, SchemasAndPropertiesAreWellFormed)
             EXPECT_TRUE(names.insert(p->mName).second) << where << ":" << p->mName << " defined twice";
     }
 
+    static QRegularExpression const xmlName(QStringLiteral(R"(^[A-Za-z_][A-Za-z0-9_.-]*$)"));
     ForEachDef([&](Def const &d, std::string const &where) {
-        EXPECT_TRUE(IsXmlName(d.mName)) << where << ": name";
+        EXPECT_TRUE(xmlName.match(QString::fromStdString(d.mName)).hasMatch()) << where << ": name";
         EXPECT_TRUE(d.mItemForm == ValueForm::kSimple || d.IsArray()) << where << ": itemForm of a non-array";
         auto [bound, added] = namespaceOfPrefix.emplace(d.mPrefix, d.mNamespace);
         EXPECT_TRUE(added || bound->second == d.mNamespace)
@@ -237,10 +219,13 @@ TEST_F(StandardDefinitionsTest, TypeIdsAndChoicesAreConsistent)
 // translator sees each key once: no key carries two English texts.
 TEST_F(StandardDefinitionsTest, EveryTextIsLocalisedWithOneEnglishTextPerKey)
 {
+    // "$$$/kivmetadata/<something>=<English text>".
+    static QRegularExpression const localised(QStringLiteral(R"(^\$\$\$/kivmetadata/[A-Za-z0-9_./+-]+=\S.*$)"));
     std::map<std::string, std::string> texts;
     auto add = [&](std::string const &keyWithDefault, std::string const &where, bool optional = false) {
         if (optional && keyWithDefault.empty()) return;
-        EXPECT_TRUE(IsLocalisedText(keyWithDefault)) << where << ": " << keyWithDefault;
+        EXPECT_TRUE(localised.match(QString::fromStdString(keyWithDefault)).hasMatch())
+            << where << ": " << keyWithDefault;
         auto const equals = keyWithDefault.find('=');
         if (equals == std::string::npos) return;
         auto [it, added] = texts.emplace(keyWithDefault.substr(0, equals), keyWithDefault.substr(equals + 1));
@@ -347,16 +332,13 @@ struct ExiftoolTag {
 };
 
 // exiftool's XMP tags of the schemas defined here, by our prefix.
-std::multimap<QString, ExiftoolTag> ExiftoolTags(QString const &exiftool)
+std::multimap<QString, ExiftoolTag> ExiftoolTags()
 {
     // exiftool names most XMP tables after the schema's usual prefix.
     static std::map<QString, QString> const renamed{
         {"XMP::iptcCore", "Iptc4xmpCore"}, {"XMP::iptcExt", "Iptc4xmpExt"}, {"PLUS::XMP", "plus"}};
-    QProcess process;
-    process.start(exiftool,
-                  {QStringLiteral("-listx"), QStringLiteral("-f"), QStringLiteral("-lang"), QStringLiteral("en")});
-    process.waitForFinished(120000);
-    QXmlStreamReader xml(process.readAllStandardOutput());
+    QXmlStreamReader xml(
+        RunExiftool({QStringLiteral("-listx"), QStringLiteral("-f"), QStringLiteral("-lang"), QStringLiteral("en")}));
     std::multimap<QString, ExiftoolTag> tags;
     QString prefix, group;
     while (!xml.atEnd()) {
@@ -455,9 +437,8 @@ QString CheckValue(QXmlStreamReader &xml, Def const &def, std::string const &whe
 // struct field in its real namespace and form; the definitions must agree.
 TEST_F(StandardDefinitionsTest, AgreesWithExiftool)
 {
-    QString exiftool = QStandardPaths::findExecutable(QStringLiteral("exiftool"));
-    if (exiftool.isEmpty()) GTEST_SKIP() << "exiftool is not installed";
-    auto tags = ExiftoolTags(exiftool);
+    if (Exiftool().isEmpty()) GTEST_SKIP() << "exiftool is not installed";
+    auto tags = ExiftoolTags();
     ASSERT_FALSE(tags.empty());
 
     int compared = 0;
@@ -507,14 +488,8 @@ TEST_F(StandardDefinitionsTest, AgreesWithExiftool)
     QTemporaryDir dir;
     ASSERT_TRUE(dir.isValid());
     QString const sidecar = dir.filePath(QStringLiteral("fields.xmp"));
-    QProcess process;
-    process.start(exiftool,
-                  QStringList{QStringLiteral("-n"), QStringLiteral("-m"), QStringLiteral("-o"), sidecar} + writes);
-    ASSERT_TRUE(process.waitForFinished(120000));
-    QFile file(sidecar);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << process.readAllStandardError().toStdString();
-
-    QXmlStreamReader xml(&file);
+    RunExiftool(QStringList{QStringLiteral("-n"), QStringLiteral("-m"), QStringLiteral("-o"), sidecar} + writes);
+    QXmlStreamReader xml(ReadFile(sidecar));
     int checked = 0;
     while (!xml.atEnd()) {
         if (xml.readNext() != QXmlStreamReader::StartElement) continue;

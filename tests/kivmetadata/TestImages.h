@@ -1,12 +1,33 @@
-// Small image files made at run time, shared by the tests of file formats.
+// Namespaces, small image files made at run time, file helpers and exiftool
+// runners, shared by the tests of kivmetadata.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <QBuffer>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QImage>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QStandardPaths>
 
 #include <cstdint>
 #include <string>
 #include <string_view>
+
+// Namespaces of the schemas the tests use.
+inline constexpr char kDC[] = "http://purl.org/dc/elements/1.1/";
+inline constexpr char kXMP[] = "http://ns.adobe.com/xap/1.0/";
+inline constexpr char kPhotoshop[] = "http://ns.adobe.com/photoshop/1.0/";
+inline constexpr char kIptc[] = "http://iptc.org/std/Iptc4xmpCore/1.0/xmlns/";
+inline constexpr char kExif[] = "http://ns.adobe.com/exif/1.0/";
+inline constexpr char kRights[] = "http://ns.adobe.com/xap/1.0/rights/";
+inline constexpr char kCrs[] = "http://ns.adobe.com/camera-raw-settings/1.0/";
+inline constexpr char kFoo[] = "http://foo.example/ns/"; // declared by no standard
 
 namespace testimages {
 
@@ -20,6 +41,43 @@ inline QByteArray ImageBytes(char const *format)
     buffer.open(QIODevice::WriteOnly);
     image.save(&buffer, format);
     return bytes;
+}
+
+// Writes `bytes` to `path`, making its folder; returns the path.
+inline QString WriteFile(QString const &path, QByteArrayView bytes)
+{
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes.data(), bytes.size()) == bytes.size())
+        << path.toStdString();
+    return path;
+}
+
+inline QByteArray ReadFile(QString const &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// exiftool's path, or the empty string when it is not installed.
+inline QString Exiftool()
+{
+    return QStandardPaths::findExecutable(QStringLiteral("exiftool"));
+}
+
+// exiftool's standard output for these arguments.
+inline QByteArray RunExiftool(QStringList const &arguments)
+{
+    QProcess process;
+    process.start(Exiftool(), arguments);
+    process.waitForFinished(120000);
+    return process.readAllStandardOutput();
+}
+
+// exiftool's JSON output (-j) for one file.
+inline QJsonObject ExiftoolJson(QStringList const &arguments)
+{
+    return QJsonDocument::fromJson(RunExiftool(QStringList{QStringLiteral("-j")} + arguments)).array().at(0).toObject();
 }
 
 // `v` big-endian in `bytes` bytes.

@@ -14,15 +14,11 @@
 
 #include <gtest/gtest.h>
 
+#include "TestImages.h"
+
 using namespace kivmetadata;
 
 namespace {
-
-constexpr char kDC[] = "http://purl.org/dc/elements/1.1/";
-constexpr char kXMP[] = "http://ns.adobe.com/xap/1.0/";
-constexpr char kExif[] = "http://ns.adobe.com/exif/1.0/";
-constexpr char kRights[] = "http://ns.adobe.com/xap/1.0/rights/";
-constexpr char kPhotoshop[] = "http://ns.adobe.com/photoshop/1.0/";
 
 class ValueAccessTest : public ::testing::Test {
 protected:
@@ -64,12 +60,9 @@ TEST_F(ValueAccessTest, TypedValuesRoundTripInTheirXmpForm)
 
     auto meta = mProvider->GetMeta();
     std::string raw;
-    std::uint32_t options = 0;
     meta->GetProperty(kRights, "xmpRights:Marked", raw);
     EXPECT_EQ(raw, "True");
-    meta->GetProperty(kDC, "dc:subject", raw, &options);
-    EXPECT_TRUE(options & XMPMeta::kPropValueIsArray);
-    EXPECT_EQ(meta->CountArrayItems(kDC, "dc:subject"), 3);
+    EXPECT_EQ(meta->CountArrayItems(kDC, "dc:subject"), 3); // an array, not a text with separators
     EXPECT_TRUE(meta->GetLocalizedText(kDC, "dc:title", "x-default", raw));
     EXPECT_EQ(raw, "Harbour");
 
@@ -110,8 +103,6 @@ TEST_F(ValueAccessTest, MinimalFloatTextIsTheShortestExactForm)
                        {1.0 / 3.0, "0.3333333333333333"}};
     for (auto const &c : cases)
         EXPECT_EQ(MinimalFloatText(c.value), c.text) << c.value;
-    EXPECT_TRUE(SetMinimalFloatValue(V(kXMP, "Rating"), 4.0));
-    EXPECT_EQ(Text(V(kXMP, "Rating")), "4");
 }
 
 TEST_F(ValueAccessTest, ValuesOfTheWrongTypeAreRefusedWithARecordAndChangeNothing)
@@ -240,7 +231,6 @@ TEST_F(ValueAccessTest, SeveralAssetsAnswerSeveralValuesAndTakeEveryWrite)
     EXPECT_FALSE(GetValue(V(kPhotoshop, "City"), text, result));
     EXPECT_EQ(result, kGetValueResult_Absent);
     EXPECT_EQ(multi->GetMeta(), a->GetMeta());
-    EXPECT_EQ(multi->AllMetas().size(), 2u);
 
     auto templ = XMPMeta::Parse("");
     templ->SetProperty(kPhotoshop, "photoshop:Credit", "Agency");

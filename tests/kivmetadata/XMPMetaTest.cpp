@@ -4,16 +4,13 @@
 
 #include <gtest/gtest.h>
 
+#include "TestImages.h"
+
 #include <string>
 
 using namespace kivmetadata;
 
 namespace {
-
-constexpr char kDC[] = "http://purl.org/dc/elements/1.1/";
-constexpr char kXMP[] = "http://ns.adobe.com/xap/1.0/";
-constexpr char kIptc[] = "http://iptc.org/std/Iptc4xmpCore/1.0/xmlns/";
-constexpr char kFoo[] = "http://foo.example/ns/";
 
 constexpr char kPacket[] =
     R"(<x:xmpmeta xmlns:x="adobe:ns:meta/"><rdf:RDF xmlns:rdf="http://www.w3.org/1999/02/22-rdf-syntax-ns#">
