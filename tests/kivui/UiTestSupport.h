@@ -1,5 +1,5 @@
 #pragma once
-// Collects what a control reports, and the window the control tests use.
+// Shown windows, event-loop turns and a listener for the toolkit's tests.
 
 #include <kivui/Message.h>
 #include <kivui/UI_ControlView.h>
@@ -17,6 +17,24 @@
 
 namespace kivui::test {
 
+// Lets posted layouts and repaints run.
+inline void Settle()
+{
+    for (int i = 0; i < 5; ++i)
+        QApplication::processEvents();
+}
+
+// Shows `node` as the active window with the given frame on screen, laid out.
+inline void ShowActiveWindow(UI_Node &node, kivcore::RectF const &frame)
+{
+    node.UI_SetGlobalStructureRect(frame);
+    node.UI_Show(true);
+    QApplication::setActiveWindow(node.UI_GetWidget());
+    ASSERT_TRUE(QTest::qWaitForWindowActive(node.UI_GetWidget()));
+    Settle();
+}
+
+// Collects what a control reports.
 struct ControlListener {
     std::vector<int> interactive;
     int changed = 0;
@@ -48,13 +66,7 @@ struct ControlListener {
 // the listener to it.
 class ControlWindowTest : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
-        window->UI_SetGlobalStructureRect(kivcore::RectF{50, 50, 400, 300});
-        window->UI_Show(true);
-        QApplication::setActiveWindow(window->UI_GetWidget());
-        ASSERT_TRUE(QTest::qWaitForWindowActive(window->UI_GetWidget()));
-    }
+    void SetUp() override { ShowActiveWindow(*window, kivcore::RectF{50, 50, 400, 300}); }
     void TearDown() override { window->UI_Show(false); }
 
     template <typename T>
